@@ -1,0 +1,189 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <string>
+#include <string_view>
+
+/// The whole contract with the operating system; one implementation per system stands beside it.
+///
+/// Path texts and command lines keep their backslashes on both systems. The POSIX side turns `\` into `/` at the
+/// moment a file is opened, a directory made or a program started. Nothing here throws but std::bad_alloc.
+namespace Platform
+{
+
+// Programs
+
+/// Runs `commandLine` (ANSI code page on Windows; the program first, quoted where it holds blanks), waits without
+/// limit and stores the exit code. The child shows no window and inherits environment, current directory and
+/// standard handles. Returns false when the program could not be started; `exitCode` is then unchanged. A child
+/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`.
+/// Windows: CreateProcessA, WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn, waitpid.
+bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode);
+
+/// The exit code given for a child that ended without one of its own.
+constexpr std::uint32_t kUnknownExitCode = 0xFFFFFFFF;
+
+/// The directory of the running program's file, with a final separator; empty when the system does not tell.
+std::string ExecutableDirectory();
+
+/// The file name of the shared library `stem`: `stem`.dll on Windows, lib`stem`.so elsewhere.
+std::string SharedLibraryFileName(const std::string &stem);
+
+/// A shared library loaded at run time; unloaded by the destructor.
+/// Windows: LoadLibraryA, GetProcAddress. POSIX: dlopen (all symbols resolved at once), dlsym.
+class SharedLibrary
+{
+public:
+    /// Loads the library at `path`; on failure `error` says why and the object is false.
+    SharedLibrary(const std::string &path, std::string &error);
+    ~SharedLibrary();
+    SharedLibrary(const SharedLibrary &) = delete;
+    SharedLibrary &operator=(const SharedLibrary &) = delete;
+
+    explicit operator bool() const { return m_library != nullptr; }
+
+    /// The exported function `name`, or null.
+    template <typename Function>
+    Function *Find(const char *name) const
+    {
+        return reinterpret_cast<Function *>(FindSymbol(name));
+    }
+
+private:
+    using Symbol = void (*)();
+    Symbol FindSymbol(const char *name) const;
+
+    void *m_library = nullptr;
+};
+
+/// While it lives, what the process and its children write to standard output goes to standard error instead.
+class StandardOutputToError
+{
+public:
+    StandardOutputToError();
+    ~StandardOutputToError();
+    StandardOutputToError(const StandardOutputToError &) = delete;
+    StandardOutputToError &operator=(const StandardOutputToError &) = delete;
+
+private:
+    int m_savedOutput;
+};
+
+// Environment
+
+/// Stores the value of the environment variable `name`. Returns false, with `value` unchanged, when the variable is
+/// not set or empty. Windows: GetEnvironmentVariableA. POSIX: getenv.
+bool ReadEnvironmentVariable(const std::string &name, std::string &value);
+
+// Directories and files
+
+enum class DirectoryOutcome
+{
+    Made,
+    Existed,
+    Failed
+};
+
+/// Makes the last directory of `path`; those above it must exist. Something else of that name counts as existing, as
+/// it does for CreateDirectoryA. Windows: CreateDirectoryA. POSIX: mkdir, for user, group and others as the umask
+/// lets.
+DirectoryOutcome MakeDirectory(const std::string &path);
+
+/// `path` as the system's own functions and other libraries expect it.
+std::string NativePath(const std::string &path);
+
+/// Gives the file at `from` the name `to` in one step, replacing a file of that name. Returns false, with both left
+/// as they were, when the system refuses. Windows: MoveFileExA. POSIX: rename.
+bool RenameOver(const std::string &from, const std::string &to);
+
+/// Removes the file at `path`, if there is one.
+void RemoveFile(const std::string &path);
+
+struct CloseStream
+{
+    void operator()(std::FILE *stream) const { std::fclose(stream); }
+};
+using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
+
+/// Opens a stdio stream as fopen does; children do not inherit it. Null when it cannot be opened, also for a directory.
+StreamOwner OpenStream(const std::string &path, const char *mode);
+
+/// Reads a whole text file; every pair of carriage return and line feed arrives as one line feed. Returns false when
+/// the file cannot be opened or read; `text` is then unchanged.
+bool ReadTextFile(const std::string &path, std::string &text);
+
+/// A text file being written: every line feed goes out as carriage return and line feed.
+class TextFileWriter
+{
+public:
+    /// Creates the file at `path` or empties an existing one. Returns false when that fails; writes then do nothing.
+    bool Open(const std::string &path);
+
+    bool IsOpen() const { return m_stream != nullptr; }
+
+    /// Returns false when nothing is open or not everything could be written.
+    bool Write(std::string_view text);
+
+    /// Hands what was written to the system.
+    bool Flush();
+
+    /// Closes the file; false when what was still buffered could not be written.
+    bool Close();
+
+private:
+    StreamOwner m_stream;
+};
+
+// Mutexes
+
+/// A mutex of the system: a HANDLE on Windows. The thread that holds it may take it again.
+using MutexHandle = void *;
+
+/// Creates a mutex that nobody holds; null on failure. On Windows it is named (CreateMutexA), system-wide, and a null
+/// or empty `name` gives one without a name; on POSIX it belongs to the process and the name is not used.
+MutexHandle MakeMutex(const char *name);
+
+/// Waits without limit until the calling thread holds `mutex`. Returns false for null or when the wait fails.
+bool WaitMutex(MutexHandle mutex);
+
+/// Lets go of `mutex` once; the calling thread must hold it. Null is ignored.
+void ReleaseMutexHold(MutexHandle mutex);
+
+/// Gives `mutex` back to the system; nobody may hold it. Null is ignored.
+void CloseMutex(MutexHandle mutex);
+
+/// Holds a mutex for the life of the object.
+class MutexLock
+{
+public:
+    explicit MutexLock(MutexHandle mutex) : m_held(WaitMutex(mutex) ? mutex : nullptr) {}
+    ~MutexLock() { ReleaseMutexHold(m_held); }
+    MutexLock(const MutexLock &) = delete;
+    MutexLock &operator=(const MutexLock &) = delete;
+
+    explicit operator bool() const { return m_held != nullptr; }
+
+private:
+    MutexHandle m_held;
+};
+
+// Time
+
+/// Stores the milliseconds since a fixed origin of a clock that never goes back. Returns false when it cannot be read.
+/// Windows: QueryPerformanceCounter and QueryPerformanceFrequency. POSIX: clock_gettime.
+bool MonotonicMilliseconds(std::uint64_t &milliseconds);
+
+/// Breaks `time` down into local time. Returns false when the system cannot.
+bool LocalTime(std::time_t time, std::tm &local);
+
+// Text
+
+/// Decodes UTF-8 into UTF-16 over the whole length, NUL bytes included. Every ill-formed sequence becomes U+FFFD; how
+/// many a sequence gives is the system's choice. Windows: MultiByteToWideChar with code page 65001 and no flags.
+/// POSIX: one for each maximal part of a well-formed sequence.
+std::u16string Utf8ToUtf16(std::string_view text);
+
+} // namespace Platform

@@ -1,0 +1,168 @@
+#include "Platform.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+namespace Platform
+{
+
+namespace
+{
+
+constexpr DWORD kCreationFlags = CREATE_NO_WINDOW | NORMAL_PRIORITY_CLASS;
+constexpr double kMillisecondsPerSecond = 1000.0;
+
+struct CloseSystemHandle
+{
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using HandleOwner = std::unique_ptr<void, CloseSystemHandle>;
+
+int Length(std::string_view text) { return static_cast<int>(text.size()); }
+
+} // namespace
+
+bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
+{
+    // CreateProcessA may write into the command line.
+    std::string writable = commandLine;
+    STARTUPINFOA startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION child = {};
+    if (!CreateProcessA(nullptr, writable.data(), nullptr, nullptr, TRUE, kCreationFlags, nullptr, nullptr, &startup,
+                        &child))
+        return false;
+    const HandleOwner thread(child.hThread);
+    const HandleOwner process(child.hProcess);
+    WaitForSingleObject(process.get(), INFINITE);
+    DWORD code = kUnknownExitCode;
+    exitCode = GetExitCodeProcess(process.get(), &code) ? code : kUnknownExitCode;
+    return true;
+}
+
+std::string ExecutableDirectory()
+{
+    std::string path(32768, '\0');
+    path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    path.resize(path.rfind('\\') + 1);
+    return path;
+}
+
+std::string SharedLibraryFileName(const std::string &stem) { return stem + ".dll"; }
+
+SharedLibrary::SharedLibrary(const std::string &path, std::string &error) : m_library(LoadLibraryA(path.c_str()))
+{
+    if (!m_library)
+        error = path + ": system error " + std::to_string(GetLastError());
+}
+
+SharedLibrary::~SharedLibrary()
+{
+    if (m_library)
+        FreeLibrary(static_cast<HMODULE>(m_library));
+}
+
+SharedLibrary::Symbol SharedLibrary::FindSymbol(const char *name) const
+{
+    return m_library ? reinterpret_cast<Symbol>(GetProcAddress(static_cast<HMODULE>(m_library), name)) : nullptr;
+}
+
+StandardOutputToError::StandardOutputToError()
+{
+    std::fflush(stdout);
+    m_savedOutput = _dup(_fileno(stdout));
+    if (m_savedOutput != -1)
+        _dup2(_fileno(stderr), _fileno(stdout));
+}
+
+StandardOutputToError::~StandardOutputToError()
+{
+    if (m_savedOutput == -1)
+        return;
+    std::fflush(stdout);
+    _dup2(m_savedOutput, _fileno(stdout));
+    _close(m_savedOutput);
+}
+
+bool ReadEnvironmentVariable(const std::string &name, std::string &value)
+{
+    const DWORD size = GetEnvironmentVariableA(name.c_str(), nullptr, 0);
+    if (size == 0)
+        return false;
+    std::string found(size, '\0');
+    const DWORD length = GetEnvironmentVariableA(name.c_str(), found.data(), size);
+    if (length == 0 || length >= size)
+        return false;
+    found.resize(length);
+    value = std::move(found);
+    return true;
+}
+
+DirectoryOutcome MakeDirectory(const std::string &path)
+{
+    if (CreateDirectoryA(path.c_str(), nullptr))
+        return DirectoryOutcome::Made;
+    return GetLastError() == ERROR_ALREADY_EXISTS ? DirectoryOutcome::Existed : DirectoryOutcome::Failed;
+}
+
+std::string NativePath(const std::string &path) { return path; }
+
+bool RenameOver(const std::string &from, const std::string &to)
+{
+    return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+void RemoveFile(const std::string &path) { DeleteFileA(path.c_str()); }
+
+StreamOwner OpenStream(const std::string &path, const char *mode)
+{
+    return StreamOwner(std::fopen(path.c_str(), (std::string(mode) + "N").c_str()));
+}
+
+MutexHandle MakeMutex(const char *name) { return CreateMutexA(nullptr, FALSE, name && *name ? name : nullptr); }
+
+bool WaitMutex(MutexHandle mutex)
+{
+    if (!mutex)
+        return false;
+    const DWORD outcome = WaitForSingleObject(mutex, INFINITE);
+    return outcome == WAIT_OBJECT_0 || outcome == WAIT_ABANDONED;
+}
+
+void ReleaseMutexHold(MutexHandle mutex)
+{
+    if (mutex)
+        ReleaseMutex(mutex);
+}
+
+void CloseMutex(MutexHandle mutex)
+{
+    if (mutex)
+        CloseHandle(mutex);
+}
+
+bool MonotonicMilliseconds(std::uint64_t &milliseconds)
+{
+    LARGE_INTEGER counter = {};
+    LARGE_INTEGER frequency = {};
+    if (!QueryPerformanceCounter(&counter) || !QueryPerformanceFrequency(&frequency) || frequency.QuadPart == 0)
+        return false;
+    milliseconds = static_cast<std::uint64_t>(static_cast<double>(counter.QuadPart) /
+                                              static_cast<double>(frequency.QuadPart) * kMillisecondsPerSecond);
+    return true;
+}
+
+bool LocalTime(std::time_t time, std::tm &local) { return localtime_s(&local, &time) == 0; }
+
+std::u16string Utf8ToUtf16(std::string_view text)
+{
+    if (text.empty())
+        return {};
+    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), Length(text), nullptr, 0);
+    std::u16string units(static_cast<std::size_t>(size), u'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), Length(text), reinterpret_cast<wchar_t *>(units.data()), size);
+    return units;
+}
+
+} // namespace Platform

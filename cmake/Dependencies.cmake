@@ -1,0 +1,10 @@
+# The libraries the project builds on.
+find_package(LibXml2 REQUIRED)
+find_package(nlohmann_json 3.7.0 REQUIRED)
+find_package(CLI11 REQUIRED)
+if(BIOSCONFIG_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+endif()
+if(BIOSCONFIG_BUILD_BENCHMARKS)
+  find_package(benchmark REQUIRED)
+endif()
