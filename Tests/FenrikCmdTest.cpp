@@ -188,7 +188,7 @@ TEST_F(FenrikCmdTest, DefaultFirmwareIsSound)
                                                  "description", "UqiVal",    "size",      "offset",        "depex",
                                                  "SetupPgPtr",  "default",   "CurrentVal"};
     std::set<std::string> names;
-    std::set<std::string> places;
+    std::map<std::string, std::size_t> storeEnds;
     std::set<std::string> pages;
     std::map<std::string, int> kinds;
     int changed = 0;
@@ -200,7 +200,9 @@ TEST_F(FenrikCmdTest, DefaultFirmwareIsSound)
             found.push_back(name);
         EXPECT_EQ(found, attributes);
         EXPECT_TRUE(names.insert(knob["name"]).second);
-        EXPECT_TRUE(places.insert(knob["varstoreIndex"] + knob["offset"]).second);
+        std::size_t &storeEnd = storeEnds[knob["varstoreIndex"]];
+        EXPECT_GE(std::stoul(knob["offset"], nullptr, 16), storeEnd);
+        storeEnd += std::stoul(knob["size"]);
         pages.insert(knob["SetupPgPtr"]);
         ++kinds[knob["setupType"]];
         EXPECT_TRUE(FitsItsSize(knob, knob["default"]) && FitsItsSize(knob, knob["CurrentVal"]));
@@ -319,6 +321,19 @@ TEST_F(FenrikCmdTest, FileThatCannotBeWrittenLeavesNothingBehind)
     EXPECT_FALSE(std::filesystem::exists(Path("folder.new")));
     RunWell("savexml \"" + Path("folder") + "\\dump.xml\"");
     EXPECT_EQ(ReadFile(Path("folder/dump.xml")), Dump());
+}
+
+TEST_F(FenrikCmdTest, FileThatCannotBeReplacedStays)
+{
+    const std::string dump = Dump();
+    const std::string firmware = ReadFile(FirmwarePath());
+    std::filesystem::create_directory(Path("dump.xml.new"));
+    std::filesystem::create_directory(FirmwarePath() + ".new");
+    EXPECT_EQ(Run("savexml \"" + Path("dump.xml") + "\"").exitCode, 4U);
+    EXPECT_EQ(Run("disable").exitCode, 4U);
+    EXPECT_EQ(Program("BootFast=1").exitCode, 4U);
+    EXPECT_EQ(ReadFile(Path("dump.xml")), dump);
+    EXPECT_EQ(ReadFile(FirmwarePath()), firmware);
 }
 
 TEST_F(FenrikCmdTest, DamagedFirmwareIsNamedAndKept)
