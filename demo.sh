@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Builds the module and shows one report of it: the stand-in plays the external tool, everything lies under demo/.
+set -euo pipefail
+cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
+
+cmake/install-packages.sh </dev/null >&2
+cmake --preset release -B build/demo -DBIOSCONFIG_BUILD_TESTS=OFF --log-level=WARNING >&2
+cmake --build build/demo -- --quiet >&2
+
+# What an installation provides: the host's tool directory, and the external tool in its place.
+export ProgramFiles="$PWD/demo/Program Files"
+tool_place="$ProgramFiles/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary"
+rm -rf demo
+mkdir -p demo/tool/ModuleData "$tool_place"
+cp Docs/Example/CapsList.json demo/tool/
+cp build/demo/bin/FenrikCmd "$tool_place/FenrikCmd.exe"
+
+build/demo/bin/biosconfig report --tool-dir demo/tool -o demo/report.xml
+echo "The BIOS options of a simulated machine:"
+xmllint --format demo/report.xml | sed -n '1,10p'
+echo "      ..."
+echo "The whole report: $PWD/demo/report.xml"
