@@ -9,12 +9,17 @@
 /// The file name of the module without the system's prefix and ending: BiosConfigModule.dll, libBiosConfigModule.so.
 #define BIOS_CONFIG_MODULE_STEM "BiosConfigModule"
 
+/// The module's own build says here how an export is marked; a host leaves it alone.
+#ifndef BIOS_CONFIG_EXPORT
+#define BIOS_CONFIG_EXPORT
+#endif
+
 extern "C"
 {
     /// Creates a module object, or gives null when memory runs out. The caller owns it and gives it back with
     /// DestroyBiosConfigModule (or deletes it through either interface).
-    BaseModule *CreateBiosConfigModule();
+    BIOS_CONFIG_EXPORT BaseModule *CreateBiosConfigModule();
 
     /// Destroys a module object in any state; null is ignored.
-    void DestroyBiosConfigModule(BaseModule *module);
+    BIOS_CONFIG_EXPORT void DestroyBiosConfigModule(BaseModule *module);
 }

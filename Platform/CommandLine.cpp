@@ -10,7 +10,10 @@ namespace
 
 constexpr std::string_view kBlanks = " \t";
 
-bool IsBlank(char character) { return kBlanks.find(character) != std::string_view::npos; }
+bool IsBlank(char character)
+{
+    return kBlanks.find(character) != std::string_view::npos;
+}
 
 /// Takes the program off the front of `rest`.
 std::string TakeProgram(std::string_view &rest)

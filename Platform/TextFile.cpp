@@ -103,8 +103,14 @@ bool TextFileWriter::Write(std::string_view text)
     return true;
 }
 
-bool TextFileWriter::Flush() { return m_stream && std::fflush(m_stream.get()) == 0; }
+bool TextFileWriter::Flush()
+{
+    return m_stream && std::fflush(m_stream.get()) == 0;
+}
 
-bool TextFileWriter::Close() { return m_stream && std::fclose(m_stream.release()) == 0; }
+bool TextFileWriter::Close()
+{
+    return m_stream && std::fclose(m_stream.release()) == 0;
+}
 
 } // namespace Platform

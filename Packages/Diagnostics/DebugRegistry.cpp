@@ -27,7 +27,8 @@ std::vector<HandleOwner> openHandles;
 
 auto FindOpen(const char *componentName)
 {
-    return std::find_if(openHandles.begin(), openHandles.end(), [componentName](const HandleOwner &handle)
+    return std::find_if(openHandles.begin(), openHandles.end(),
+                        [componentName](const HandleOwner &handle)
                         { return std::strcmp(handle->componentName, componentName) == 0; });
 }
 

@@ -21,9 +21,9 @@ struct LevelTag
     std::string_view text;
 };
 
-constexpr LevelTag kTagsInPrintOrder[] = {{TRACE_INFO, " Info "},        {TRACE_PARAM, " PARAM "},
-                                          {TRACE_WARN, " WARN "},        {TRACE_ERROR, " **ERROR** "},
-                                          {TRACE_ENTRY, " --> "},        {TRACE_EXIT, " <-- "}};
+constexpr LevelTag kTagsInPrintOrder[] = {{TRACE_INFO, " Info "}, {TRACE_PARAM, " PARAM "},
+                                          {TRACE_WARN, " WARN "}, {TRACE_ERROR, " **ERROR** "},
+                                          {TRACE_ENTRY, " --> "}, {TRACE_EXIT, " <-- "}};
 
 /// The fields in front of the message. Empty when they do not fit.
 class Header

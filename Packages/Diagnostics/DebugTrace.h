@@ -14,8 +14,9 @@ Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const cha
 /// Whether a line of `level` has anywhere to go; what DebugTrace asks first, standing inline at the call.
 inline bool TraceWanted(const DebugHandle_t *handle, std::uint32_t level)
 {
-    return handle && (((handle->traceType & level) != 0 && (handle->outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) != 0) ||
-                      handle->callback);
+    return handle &&
+           (((handle->traceType & level) != 0 && (handle->outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) != 0) ||
+            handle->callback);
 }
 
 /// A fixed trace message and the line of the code that gives it.
@@ -85,7 +86,7 @@ public:
         return status;
     }
 
-    /// For TRACE and RETURN_TRACED, which test first whether the line is wanted.
+    /// For the macros below, which test first whether the line is wanted.
     void Line(std::uint32_t line, std::uint32_t level, const char *format, ...) const
         __attribute__((format(printf, 4, 5)));
 
@@ -110,4 +111,12 @@ private:
     {                                                                                                                  \
         if ((trace).Wants(level))                                                                                      \
             (trace).Line(__LINE__, (level), __VA_ARGS__);                                                              \
+    } while (false)
+
+/// Leaves the function with `status` and a formatted exit line.
+#define RETURN_TRACED(trace, status, ...)                                                                              \
+    do                                                                                                                 \
+    {                                                                                                                  \
+        TRACE(trace, TRACE_EXIT, __VA_ARGS__);                                                                         \
+        return (trace).LeaveUntraced(status);                                                                          \
     } while (false)

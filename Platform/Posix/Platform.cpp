@@ -89,7 +89,10 @@ std::string ExecutableDirectory()
     return path;
 }
 
-std::string SharedLibraryFileName(const std::string &stem) { return "lib" + stem + ".so"; }
+std::string SharedLibraryFileName(const std::string &stem)
+{
+    return "lib" + stem + ".so";
+}
 
 SharedLibrary::SharedLibrary(const std::string &path, std::string &error)
     : m_library(dlopen(NativePath(path).c_str(), RTLD_NOW | RTLD_LOCAL))
@@ -156,7 +159,10 @@ bool RenameOver(const std::string &from, const std::string &to)
     return std::rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
 }
 
-void RemoveFile(const std::string &path) { unlink(NativePath(path).c_str()); }
+void RemoveFile(const std::string &path)
+{
+    unlink(NativePath(path).c_str());
+}
 
 StreamOwner OpenStream(const std::string &path, const char *mode)
 {
@@ -172,7 +178,10 @@ MutexHandle MakeMutex(const char * /*name*/)
     return InitRecursive(*mutex) ? mutex.release() : nullptr;
 }
 
-bool WaitMutex(MutexHandle mutex) { return mutex && pthread_mutex_lock(static_cast<pthread_mutex_t *>(mutex)) == 0; }
+bool WaitMutex(MutexHandle mutex)
+{
+    return mutex && pthread_mutex_lock(static_cast<pthread_mutex_t *>(mutex)) == 0;
+}
 
 void ReleaseMutexHold(MutexHandle mutex)
 {
@@ -197,6 +206,9 @@ bool MonotonicMilliseconds(std::uint64_t &milliseconds)
     return true;
 }
 
-bool LocalTime(std::time_t time, std::tm &local) { return localtime_r(&time, &local) != nullptr; }
+bool LocalTime(std::time_t time, std::tm &local)
+{
+    return localtime_r(&time, &local) != nullptr;
+}
 
 } // namespace Platform

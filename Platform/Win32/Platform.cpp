@@ -19,7 +19,10 @@ struct CloseSystemHandle
 };
 using HandleOwner = std::unique_ptr<void, CloseSystemHandle>;
 
-int Length(std::string_view text) { return static_cast<int>(text.size()); }
+int Length(std::string_view text)
+{
+    return static_cast<int>(text.size());
+}
 
 } // namespace
 
@@ -49,7 +52,10 @@ std::string ExecutableDirectory()
     return path;
 }
 
-std::string SharedLibraryFileName(const std::string &stem) { return stem + ".dll"; }
+std::string SharedLibraryFileName(const std::string &stem)
+{
+    return stem + ".dll";
+}
 
 SharedLibrary::SharedLibrary(const std::string &path, std::string &error) : m_library(LoadLibraryA(path.c_str()))
 {
@@ -112,21 +118,30 @@ DirectoryOutcome MakeDirectory(const std::string &path)
     return GetLastError() == ERROR_ALREADY_EXISTS ? DirectoryOutcome::Existed : DirectoryOutcome::Failed;
 }
 
-std::string NativePath(const std::string &path) { return path; }
+std::string NativePath(const std::string &path)
+{
+    return path;
+}
 
 bool RenameOver(const std::string &from, const std::string &to)
 {
     return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
-void RemoveFile(const std::string &path) { DeleteFileA(path.c_str()); }
+void RemoveFile(const std::string &path)
+{
+    DeleteFileA(path.c_str());
+}
 
 StreamOwner OpenStream(const std::string &path, const char *mode)
 {
     return StreamOwner(std::fopen(path.c_str(), (std::string(mode) + "N").c_str()));
 }
 
-MutexHandle MakeMutex(const char *name) { return CreateMutexA(nullptr, FALSE, name && *name ? name : nullptr); }
+MutexHandle MakeMutex(const char *name)
+{
+    return CreateMutexA(nullptr, FALSE, name && *name ? name : nullptr);
+}
 
 bool WaitMutex(MutexHandle mutex)
 {
@@ -159,7 +174,10 @@ bool MonotonicMilliseconds(std::uint64_t &milliseconds)
     return true;
 }
 
-bool LocalTime(std::time_t time, std::tm &local) { return localtime_s(&local, &time) == 0; }
+bool LocalTime(std::time_t time, std::tm &local)
+{
+    return localtime_s(&local, &time) == 0;
+}
 
 std::u16string Utf8ToUtf16(std::string_view text)
 {

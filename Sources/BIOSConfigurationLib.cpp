@@ -1,0 +1,376 @@
+#include "BIOSConfigurationLib.h"
+
+#include "DebugTrace.h"
+#include "ExceptionBarrier.h"
+#include "Platform.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace
+{
+
+constexpr const char *kSourceFile = "BIOSConfigurationLib";
+constexpr const char *kComponentName = "BiosConfigurationModule";
+constexpr const char *kProgramFilesVariable = "ProgramFiles";
+constexpr const char *kToolSubdirectory = "\\Quenor Corporation\\Quenor(R) Tarnwell Tool\\SupportedBinaries\\FENRIK\\";
+constexpr const char *kToolProgram = "FenrikBinary\\FenrikCmd.exe";
+constexpr const char *kOutFolder = "out";
+constexpr const char *kDumpFile = "FenrikOutput.xml";
+constexpr const char *kListFileExtension = "ini";
+
+/// The tool's own entry for its security device; not a BIOS option.
+constexpr const char *kHiddenKnob = "TpmDevice";
+constexpr const char *kNotAvailable = "NA";
+
+std::string toolDirectory;
+DebugHandle_t *libDebugHandle = nullptr;
+
+struct KnobAttribute
+{
+    const char *name;
+    std::string KnobDetails::*field;
+};
+
+constexpr KnobAttribute knobAttributeNames[] = {
+    {"type", &KnobDetails::type},
+    {"setupType", &KnobDetails::setupType},
+    {"name", &KnobDetails::name},
+    {"varstoreIndex", &KnobDetails::varstoreIndex},
+    {"prompt", &KnobDetails::prompt},
+    {"description", &KnobDetails::description},
+    {"UqiVal", &KnobDetails::UqiVal},
+    {"size", &KnobDetails::size},
+    {"offset", &KnobDetails::offset},
+    {"depex", &KnobDetails::depex},
+    {"SetupPgPtr", &KnobDetails::SetupPgPtr},
+    {"default", &KnobDetails::defaultValue},
+    {"CurrentVal", &KnobDetails::CurrentVal},
+};
+
+struct FreeDocument
+{
+    void operator()(xmlDocPtr document) const { CCXmlFreeDocPtr(document); }
+};
+using DocumentOwner = std::unique_ptr<_xmlDoc, FreeDocument>;
+
+/// Holds the XML layer open.
+struct XmlBracket
+{
+    XmlBracket() { CCInitializeXMLParser(); }
+    ~XmlBracket() { CCDeInitializeXMLParser(); }
+    XmlBracket(const XmlBracket &) = delete;
+    XmlBracket &operator=(const XmlBracket &) = delete;
+};
+
+std::string Quoted(const std::string &text)
+{
+    return '"' + text + '"';
+}
+
+std::string QuotedTool(const std::string &directory)
+{
+    return Quoted(directory + kToolProgram);
+}
+
+bool HasName(xmlNodePtr node, const char *wanted)
+{
+    const char *const name = CCXmlGetNodeElementName(node);
+    return name && std::strcmp(name, wanted) == 0;
+}
+
+char LowerAscii(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+/// Whether the text after the last "." of a file name is "ini" in any letter case. A name without "." passes.
+bool HasListFileExtension(const std::string &fileName)
+{
+    const std::size_t dot = fileName.rfind('.');
+    if (dot == std::string::npos)
+        return true;
+    std::string extension = fileName.substr(dot + 1);
+    std::transform(extension.begin(), extension.end(), extension.begin(), LowerAscii);
+    return extension == kListFileExtension;
+}
+
+void AppendKnobName(std::vector<std::string> &names, std::string_view line)
+{
+    const std::size_t equals = line.find('=');
+    if (equals != std::string_view::npos && line.find(';') == std::string_view::npos)
+        names.emplace_back(line.substr(0, equals));
+}
+
+/// The tool's dump without line feeds and tabs, which carry no meaning, also inside attribute values.
+std::string ReadDump()
+{
+    std::string text;
+    Platform::ReadTextFile(toolDirectory + kDumpFile, text);
+    // Without a branch per character: a dump is mostly text, but indentation is frequent and irregular.
+    char *out = text.data();
+    for (const char character : text)
+    {
+        *out = character;
+        out += static_cast<int>(character != '\n') & static_cast<int>(character != '\t');
+    }
+    text.resize(static_cast<std::size_t>(out - text.data()));
+    return text;
+}
+
+/// Parses the dump; its text is gone again when the tree is walked.
+DocumentOwner ParseDump()
+{
+    const std::string text = ReadDump();
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+        return nullptr;
+    return DocumentOwner(CCXmlParseXMLBuffer(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+/// Reads the attributes; false when the node is not to be taken for a knob.
+bool ReadAttributes(xmlNodePtr knobNode, KnobDetails &record)
+{
+    for (const KnobAttribute &attribute : knobAttributeNames)
+    {
+        const CCXmlValueOwner value(CCXmlGetAttributeValue(knobNode, attribute.name));
+        const bool isName = attribute.field == &KnobDetails::name;
+        if (isName && (!value || std::strcmp(value.get(), kHiddenKnob) == 0))
+            return false;
+        if (value)
+            record.*attribute.field = value.get();
+    }
+    return true;
+}
+
+/// Takes an attribute that is there and not empty; otherwise `held` keeps what an earlier option gave.
+void HoldAttribute(xmlNodePtr option, const char *attributeName, std::string &held)
+{
+    const CCXmlValueOwner value(CCXmlGetAttributeValue(option, attributeName));
+    if (value && *value)
+        held = value.get();
+}
+
+void ReadOptions(xmlNodePtr knobNode, std::map<std::string, std::string> &options)
+{
+    const xmlNodePtr list = CCXmlGetNextNodeChild(knobNode, nullptr);
+    std::string text;
+    std::string value;
+    for (xmlNodePtr option = CCXmlGetNextNodeChild(list, nullptr); option; option = CCXmlGetNextNodeChild(list, option))
+    {
+        HoldAttribute(option, "text", text);
+        HoldAttribute(option, "value", value);
+        if (!text.empty() && !value.empty())
+            options.try_emplace(text, value);
+    }
+}
+
+xmlNodePtr FindKnobs(xmlNodePtr root)
+{
+    xmlNodePtr child = CCXmlGetNextNodeChild(root, nullptr);
+    while (child && !HasName(child, "biosknobs"))
+        child = CCXmlGetNextNodeChild(root, child);
+    return child;
+}
+
+KnobList CollectKnobs(xmlNodePtr knobsNode)
+{
+    KnobList knobs;
+    for (xmlNodePtr node = CCXmlGetNextNodeChild(knobsNode, nullptr); node;
+         node = CCXmlGetNextNodeChild(knobsNode, node))
+    {
+        if (HasName(node, "comment"))
+            continue;
+        const Status status = getknobDetails(node, knobs.emplace_back());
+        if (status == StatusCode::NoMemory)
+            throw std::bad_alloc();
+        if (status != StatusCode::Success)
+            knobs.pop_back();
+    }
+    return knobs;
+}
+
+/// Appends the first knob of each name, in the order of the names.
+void AppendNamedKnobs(const KnobList &all, const std::vector<std::string> &names, KnobList &knobs)
+{
+    std::unordered_map<std::string_view, const KnobDetails *> firstOfName;
+    firstOfName.reserve(all.size());
+    for (const KnobDetails &knob : all)
+        firstOfName.try_emplace(knob.name, &knob);
+    for (const std::string &name : names)
+    {
+        const auto found = firstOfName.find(name);
+        if (found != firstOfName.end())
+            knobs.push_back(*found->second);
+    }
+}
+
+Status ReadListFile(const std::string &listFile, std::vector<std::string> &names, FunctionTrace &trace)
+{
+    if (!HasListFileExtension(listFile))
+        return trace.Fail(StatusCode::Failed, "ReadKnob - failed , Improper file format provided \n");
+    const Status status = readKnobNames(names, listFile);
+    if (status != StatusCode::Success)
+        return status;
+    if (names.empty())
+        return trace.Fail(StatusCode::Failed, "ReadKnob - failed , Improper file- No Knobs found in file \n");
+    return StatusCode::Success;
+}
+
+/// Finds the dump's root element and judges it.
+Status CheckRoot(xmlDocPtr document, xmlNodePtr &root, FunctionTrace &trace)
+{
+    root = CCXmlGetRootElement(document);
+    if (!root)
+        return trace.Fail(StatusCode::Failed, "readKnob - CCXmlGetRootElement return value is NULL\n");
+    const char *const name = CCXmlGetNodeElementName(root);
+    if (!name)
+        return trace.Fail(StatusCode::Failed, "readKnob - CCXmlGetNodeElementName return value is NULL\n");
+    if (std::strcmp(name, "SYSTEM") != 0)
+        return trace.Fail(StatusCode::Failed, "readKnob - Improper file provided\n");
+    return StatusCode::Success;
+}
+
+Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::vector<std::string> &names,
+                       FunctionTrace &trace)
+{
+    const XmlBracket bracket;
+    const DocumentOwner document = ParseDump();
+    if (!document)
+        return trace.Fail(StatusCode::Failed, "readKnob - Doc Pointer is NULL\n");
+    xmlNodePtr root = nullptr;
+    Status status = CheckRoot(document.get(), root, trace);
+    if (status != StatusCode::Success)
+        return status;
+    KnobList all = CollectKnobs(FindKnobs(root));
+    if (all.empty())
+    {
+        trace.Error("no knobs found\n");
+        status = StatusCode::Failed;
+    }
+    if (listFile.empty())
+        knobs = std::move(all);
+    else
+        AppendNamedKnobs(all, names, knobs);
+    return status;
+}
+
+Status ReadKnobs(KnobList &knobs, const std::string &listFile, FunctionTrace &trace)
+{
+    Status status = Exec(QuotedTool(toolDirectory) + " savexml " + Quoted(toolDirectory + kDumpFile));
+    if (status != StatusCode::Success)
+        return trace.Fail(status, "readKnob - failed to execute the command \n");
+    std::vector<std::string> names;
+    if (!listFile.empty())
+        status = ReadListFile(listFile, names, trace);
+    if (status != StatusCode::Success)
+        return status;
+    return ReadDumpedKnobs(knobs, listFile, names, trace);
+}
+
+Status InitLibrary(FunctionTrace &trace)
+{
+    std::string directory;
+    Status status = GetEnvironmentalVaribaleBiosLib(kProgramFilesVariable, directory);
+    if (status != StatusCode::Success)
+    {
+        trace.Error("biosConfigurationLibInit - GetEnvironmentalVaribaleBiosLib failed\n");
+        return trace.LeaveUntraced(status);
+    }
+    if (Platform::MakeDirectory(directory + kOutFolder) == Platform::DirectoryOutcome::Failed)
+        return trace.Fail(StatusCode::Failed, "biosConfigurationLibInit -failed to create Out directory \n");
+    trace.Text(TRACE_FAILURE, "biosConfigurationLibInit - Out directory created \n");
+    toolDirectory = std::move(directory);
+    status = Exec(QuotedTool(toolDirectory) + " fenrikstatus");
+    if (status != StatusCode::Success)
+        return trace.Fail(status, "biosConfigurationLibInit - failed to execute the command \n");
+    return trace.Done(status);
+}
+
+} // namespace
+
+Status GetEnvironmentalVaribaleBiosLib(std::string variableName, std::string &path)
+{
+    return WithoutExceptions(
+        [&]
+        {
+            std::string value;
+            if (!Platform::ReadEnvironmentVariable(variableName, value))
+                return StatusCode::Failed;
+            if (variableName == kProgramFilesVariable)
+                value += kToolSubdirectory;
+            path = std::move(value);
+            return StatusCode::Success;
+        });
+}
+
+Status biosConfigurationLibInit(std::string /*componentName*/, std::string & /*extra*/)
+{
+    InitDebugHandle(kComponentName, &libDebugHandle);
+    FunctionTrace trace(libDebugHandle, kSourceFile, "biosConfigurationLibInit", "biosConfigurationLibInit\n");
+    return WithoutExceptions([&] { return InitLibrary(trace); });
+}
+
+Status Exec(std::string command)
+{
+    FunctionTrace trace(libDebugHandle, kSourceFile, "Exec", "Exec\n");
+    return WithoutExceptions(
+        [&]
+        {
+            std::uint32_t exitCode = 0;
+            if (!Platform::RunCommand(command, exitCode))
+                return trace.LeaveUntraced(StatusCode::Failed);
+            switch (exitCode)
+            {
+            case 0:
+                return trace.Done(StatusCode::Success);
+            case 1:
+                return trace.LeaveUntraced(StatusCode::NotFound);
+            default:
+                return trace.LeaveUntraced(StatusCode::ToolFailed);
+            }
+        });
+}
+
+Status readKnob(KnobList &knobs, const std::string &listFile)
+{
+    FunctionTrace trace(libDebugHandle, kSourceFile, "readKnob", "readKnob\n");
+    return WithoutExceptions([&] { return ReadKnobs(knobs, listFile, trace); });
+}
+
+Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record)
+{
+    FunctionTrace trace(libDebugHandle, kSourceFile, "getknobDetails", "getknobDetails\n");
+    return WithoutExceptions(
+        [&]
+        {
+            record.prompt = kNotAvailable;
+            record.description = kNotAvailable;
+            if (!ReadAttributes(knobNode, record))
+                return trace.LeaveUntraced(StatusCode::Failed);
+            if (!record.CurrentVal.empty())
+                ReadOptions(knobNode, record.options);
+            return trace.Done(StatusCode::Success);
+        });
+}
+
+Status readKnobNames(std::vector<std::string> &names, std::string path)
+{
+    return WithoutExceptions(
+        [&]
+        {
+            std::string text;
+            Platform::ReadTextFile(path, text);
+            std::string_view rest = text;
+            while (!rest.empty())
+            {
+                const std::string_view line = rest.substr(0, rest.find('\n'));
+                AppendKnobName(names, line);
+                rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+            }
+            return StatusCode::Success;
+        });
+}

@@ -1,0 +1,137 @@
+#include "BiosConfiguration.h"
+
+#include "DebugTrace.h"
+#include "ExceptionBarrier.h"
+#include "FailureReport.h"
+#include "XMLReaderLib.h"
+
+#include <memory>
+#include <new>
+#include <utility>
+
+std::vector<std::string> capabilityNames;
+std::vector<std::string> capabilityDescriptions;
+
+namespace
+{
+
+constexpr const char *kSourceFile = "BiosConfiguration";
+constexpr const char *kModuleName = "BIOS Options";
+constexpr const char *kErrorFile = "Error.xml";
+constexpr const char *kToolPathParameter = "toolxmlpath";
+constexpr const char *kInitModuleTitle = "BiosConfigModule - InitModule";
+
+/// Appends one record per capability; NoMemory when one cannot be had, with the earlier ones in place.
+Status AppendCaps(std::vector<Cap *> &caps)
+{
+    return WithoutExceptions(
+        [&]
+        {
+            for (std::size_t position = 0; position < capabilityNames.size(); ++position)
+            {
+                auto cap = std::make_unique<Cap>();
+                cap->names.push_back(capabilityNames[position]);
+                cap->description = capabilityDescriptions[position];
+                caps.push_back(cap.get());
+                static_cast<void>(cap.release());
+            }
+            return StatusCode::Success;
+        });
+}
+
+} // namespace
+
+BaseModule *CreateBiosConfigModule()
+{
+    return new (std::nothrow) BiosConfigModule;
+}
+
+void DestroyBiosConfigModule(BaseModule *module)
+{
+    delete module;
+}
+
+BiosConfigModule::BiosConfigModule()
+{
+    InitDebugHandle("BiosConfigModule", &m_debugHandle);
+    const FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::BiosConfigModule", "BiosConfigModule\n");
+}
+
+BiosConfigModule::~BiosConfigModule()
+{
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::~BiosConfigModule", "~BiosConfigModule\n");
+    m_groups.clear();
+    trace.Done(StatusCode::Success);
+    UnInitDebugHandle(m_debugHandle);
+}
+
+Status BiosConfigModule::InitModule(std::vector<Cap *> &caps, ParameterMap params)
+{
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::InitModule", "InitModule\n");
+    const auto fail = [&trace](Status status, const char *traced, const char *reported,
+                               std::source_location where = std::source_location::current())
+    {
+        RecordFailure(trace, TRACE_EXIT, traced, reported, kInitModuleTitle, where);
+        return trace.LeaveUntraced(status);
+    };
+
+    m_toolXmlPath = std::move(params[kToolPathParameter]);
+    if (InitErrorFile(m_toolXmlPath.c_str(), kErrorFile) != StatusCode::Success)
+        trace.Error("Failed to Initialize Error File\n");
+    const Status status = XMLReaderLib::InitializeXMLPath(m_toolXmlPath);
+    if (status != StatusCode::Success)
+        return fail(status, "InitializeXMLPath failed\n", "Failed to Initialize XML Path");
+    if (XMLReaderLib::GetCapabilityList(kModuleName, &capabilityNames, &capabilityDescriptions) != StatusCode::Success)
+        return fail(StatusCode::Failed, "Failed to read data from Capability List\n",
+                    "Failed to read data from Capability List");
+    if (AppendCaps(caps) != StatusCode::Success)
+        return fail(StatusCode::NoMemory, "new failed for Cap\n", "Could not Allocate Memory");
+    RETURN_TRACED(trace, StatusCode::Success, "returning status %d\n", StatusCode::Success);
+}
+
+Status BiosConfigModule::UnInitModule()
+{
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::UnInitModule", "UnInitModule\n");
+    return trace.Done(StatusCode::Success);
+}
+
+std::string BiosConfigModule::GetModuleName()
+{
+    const FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::GetModuleName", "GetModuleName\n");
+    return kModuleName;
+}
+
+Status BiosConfigModule::Initialize()
+{
+    m_itemIndex = 0;
+    m_knobs.clear();
+    return WithoutExceptions(
+        []
+        {
+            std::string extra;
+            return biosConfigurationLibInit("BIOS", extra);
+        });
+}
+
+Status BiosConfigModule::UnInitialize()
+{
+    m_knobs.clear();
+    m_groups.clear();
+    m_itemIndex = 0;
+    return StatusCode::Success;
+}
+
+Status BiosConfigModule::GetItemByName(std::string name)
+{
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::GetItemByName", "\n");
+    if (name.empty())
+        return trace.LeaveUntraced(StatusCode::NotFound);
+    RETURN_TRACED(trace, StatusCode::Success, "returning %d\n", StatusCode::Success);
+}
+
+Status BiosConfigModule::GetNextItem()
+{
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::GetNextItem", "\n");
+    ++m_itemIndex;
+    RETURN_TRACED(trace, StatusCode::Success, "returning %d\n", StatusCode::Success);
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "BIOSConfigurationLib.h"
+#include "BiosConfigModule.h"
+#include "DebugHandle.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+/// Group name to the row texts of the group, in byte-wise order of the names.
+using GroupMap = std::map<std::string, std::vector<std::string>, std::less<>>;
+
+/// The module object. Used from one thread at a time; has no lock of its own.
+class BiosConfigModule : public BaseModule, public BaseAbstraction
+{
+public:
+    BiosConfigModule();
+    ~BiosConfigModule() override;
+    BiosConfigModule(const BiosConfigModule &) = delete;
+    BiosConfigModule &operator=(const BiosConfigModule &) = delete;
+
+    // BaseModule
+    Status InitModule(std::vector<Cap *> &caps, ParameterMap params) override;
+    Status UnInitModule() override;
+    std::string GetModuleName() override;
+    Status GetData(const char *name, const OutputKind *kind, std::string *buffer) override;
+
+    // BaseAbstraction
+    Status Initialize() override;
+    Status UnInitialize() override;
+    Status GetItemByName(std::string name) override;
+    Status GetNextItem() override;
+
+    /// Turns the knobs into rows of four quoted cells (name, value, prompt, description) and files each under the first
+    /// part of its setup page. Returns Success, or NoMemory.
+    Status PrintDataToVector();
+
+    /// Whether a row is a group heading, that is, holds the group marker; then `row` becomes the heading: what stands
+    /// before the marker, without its first character. An empty row is none and is reported.
+    bool IsGroupName(std::string &row);
+
+private:
+    friend struct BiosConfigModuleInspector; // the tests' view of the fields
+
+    // The steps of GetData.
+    struct Request;
+    void MakeReport(Request &request, const std::string &name, OutputKind kind);
+    bool StartReport(Request &request);
+    bool FillReport(Request &request);
+    bool ReadKnobs(Request &request);
+    void AddGroups(Request &request);
+    void AddRows(Request &request, std::vector<std::string> &rows);
+
+    std::string m_toolXmlPath;
+    KnobList m_knobs;
+    DebugHandle_t *m_debugHandle = nullptr;
+    std::uint32_t m_itemIndex = 0;
+    GroupMap m_groups;
+};
+
+/// What the last reading of the capability list gave; of equal length. They live as long as the loaded module.
+extern std::vector<std::string> capabilityNames;
+extern std::vector<std::string> capabilityDescriptions;

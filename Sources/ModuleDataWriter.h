@@ -1,0 +1,74 @@
+#pragma once
+
+#include "OutputKind.h"
+#include "StatusCode.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Builds one report in memory: a module, perhaps divided into sub-modules, each with tabs (tables with fixed columns),
+/// each with groups of rows. Whatever is added goes to the element of the level above that was added last.
+///
+/// A writer is used for one report, by one thread: Initialize, then AddSubMod, AddTab, AddGroup and AddRow in that
+/// nesting, CopyDataToBuffer, UnInitialize (also when Initialize failed). Texts are UTF-8. Every operation returns
+/// Success; NotFound for an empty argument; Missing when an earlier operation has not created what it needs; Failed
+/// when the document could not be created; NoMemory. A failed operation changes nothing and traces why. Nothing throws.
+class ModuleDataWriter
+{
+public:
+    ModuleDataWriter() = default;
+    ModuleDataWriter(const ModuleDataWriter &) = delete;
+    ModuleDataWriter &operator=(const ModuleDataWriter &) = delete;
+    virtual ~ModuleDataWriter() = default;
+
+    virtual Status Initialize(std::string moduleName, std::string description) = 0;
+    virtual Status AddSubMod(std::string subModName) = 0;
+
+    /// `header`: the names of the columns, joined by commas without blanks.
+    virtual Status AddTab(std::string tabName, std::string header) = 0;
+
+    virtual Status AddGroup(std::string groupName) = 0;
+
+    /// `rowContent`: the cells, each in quotation marks, joined by comma and blank.
+    virtual Status AddRow(std::string rowContent) = 0;
+
+    /// Replaces the content of `buffer` with the finished document.
+    virtual Status CopyDataToBuffer(std::string &buffer) = 0;
+
+    /// Gives up the document.
+    virtual Status UnInitialize() = 0;
+
+    // What the writers share in handling texts. These may throw std::bad_alloc.
+
+    /// Re-encodes UTF-8 by way of UTF-16 (Platform::Utf8ToUtf16) unit by unit, so that ill-formed bytes become U+FFFD
+    /// and a character beyond the Basic Multilingual Plane becomes two sequences, and puts "." for bytes 1 to 31.
+    static std::string SanitizeText(std::string text);
+
+    /// The pieces between all places where `separator` (not empty) stands, empty ones included: always at least one.
+    static std::vector<std::string> SplitString(std::string_view text, std::string_view separator);
+
+    /// The pieces that end with `delimiter` or the text, as std::getline takes them: none for an empty text, no empty
+    /// one behind a delimiter at the end.
+    static std::vector<std::string> SplitByChar(std::string_view text, char delimiter);
+
+    /// `text` with every `search` (not empty) replaced; what was put in is not searched again.
+    static std::string ReplaceAll(std::string_view text, std::string_view search, std::string_view replacement);
+
+    /// Decimal digits, nothing else.
+    static std::string ToDecimalString(std::uint32_t number);
+};
+
+/// Makes the writer of `kind`, owned by the caller (DestroyModuleDataWriter). Null for a kind without a writer and when
+/// memory runs out.
+ModuleDataWriter *CreateModuleDataWriter(OutputKind kind);
+
+/// Destroys a writer; null is ignored.
+void DestroyModuleDataWriter(ModuleDataWriter *writer);
+
+struct DestroyWriter
+{
+    void operator()(ModuleDataWriter *writer) const { DestroyModuleDataWriter(writer); }
+};
+using ModuleDataWriterOwner = std::unique_ptr<ModuleDataWriter, DestroyWriter>;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "DebugHandle.h"
+#include "ModuleDataWriter.h"
+#include "xmlInterface.h"
+
+/// Writes the document of the host's user interface: a tree of items, each with tab pages, each page a grid of groups
+/// and rows. A row is stored whole; the reader of the document splits it.
+class ModuleUIXMLWriter : public ModuleDataWriter
+{
+public:
+    ModuleUIXMLWriter();
+    ~ModuleUIXMLWriter() override;
+
+    Status Initialize(std::string moduleName, std::string description) override;
+    Status AddSubMod(std::string subModName) override;
+    Status AddTab(std::string tabName, std::string header) override;
+    Status AddGroup(std::string groupName) override;
+    Status AddRow(std::string rowContent) override;
+    Status CopyDataToBuffer(std::string &buffer) override;
+    Status UnInitialize() override;
+
+private:
+    void ForgetDocument();
+
+    // All nodes belong to the document.
+    xmlDocPtr m_pDoc = nullptr;
+    xmlNodePtr m_pRootNode = nullptr;
+    xmlNodePtr m_pTreeListNode = nullptr;
+    xmlNodePtr m_pItemNode = nullptr;
+    xmlNodePtr m_pTabControlNode = nullptr;
+    xmlNodePtr m_pTabNode = nullptr;
+    xmlNodePtr m_pGridNode = nullptr;
+    xmlNodePtr m_pGroupNode = nullptr;
+    DebugHandle_t *m_debugHandle = nullptr;
+    std::uint32_t m_subModCount = 0;
+    std::uint32_t m_tabCount = 0;
+};

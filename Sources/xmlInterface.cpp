@@ -1,0 +1,427 @@
+#include "xmlInterface.h"
+
+#include "DebugTrace.h"
+#include "ExceptionBarrier.h"
+#include "Platform.h"
+#include "PrintableAscii.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <libxml/chvalid.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+#include <libxml/tree.h>
+#include <string_view>
+#include <utility>
+
+namespace
+{
+
+constexpr const char *kSourceFile = "xmlInterface";
+constexpr const char *kComponentName = "XMLParser";
+constexpr char kReplacementCharacter[] = "\xEF\xBF\xBD";
+
+std::int32_t xmlParserRefCount = 0;
+DebugHandle_t *xmlDebugHandle = nullptr;
+
+const xmlChar *AsXml(const char *text)
+{
+    return reinterpret_cast<const xmlChar *>(text);
+}
+
+#if LIBXML_VERSION >= 21200
+using ErrorRecord = const xmlError *;
+#else
+using ErrorRecord = xmlErrorPtr;
+#endif
+
+void IgnoreError(void * /*context*/, ErrorRecord /*error*/) {}
+
+/// Keeps libxml2's messages from the host's standard error while it lives.
+class QuietErrors
+{
+public:
+    QuietErrors() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
+    {
+        xmlSetStructuredErrorFunc(nullptr, IgnoreError);
+    }
+    ~QuietErrors() { xmlSetStructuredErrorFunc(m_context, m_handler); }
+    QuietErrors(const QuietErrors &) = delete;
+    QuietErrors &operator=(const QuietErrors &) = delete;
+
+private:
+    xmlStructuredErrorFunc m_handler;
+    void *m_context;
+};
+
+struct FreeXmlMemory
+{
+    void operator()(xmlChar *memory) const { xmlFree(memory); }
+};
+
+bool IsHighSurrogate(int character)
+{
+    return character >= 0xD800 && character < 0xDC00;
+}
+bool IsLowSurrogate(int character)
+{
+    return character >= 0xDC00 && character < 0xE000;
+}
+
+/// Takes one character, or two surrogates that make one, off the front; -1 with one byte taken when ill-formed.
+int TakeCharacter(const xmlChar *&position, const xmlChar *end)
+{
+    const auto decode = [end](const xmlChar *from, int &length)
+    {
+        length = static_cast<int>(end - from);
+        return xmlGetUTF8Char(from, &length);
+    };
+    int length = 0;
+    const int character = decode(position, length);
+    position += character < 0 ? 1 : length;
+    if (!IsHighSurrogate(character) || position == end)
+        return character;
+    const int second = decode(position, length);
+    if (!IsLowSurrogate(second))
+        return character;
+    position += length;
+    return 0x10000 + ((character - 0xD800) << 10) + (second - 0xDC00);
+}
+
+/// `text` as an XML document can hold it.
+std::string MakeXmlText(std::string text)
+{
+    if (IsPrintableAscii(text))
+        return text;
+    std::string result;
+    result.reserve(text.size());
+    const xmlChar *position = AsXml(text.data());
+    const xmlChar *const end = position + text.size();
+    while (position != end)
+    {
+        const int character = TakeCharacter(position, end);
+        xmlChar encoded[8];
+        if (character < 0 || !xmlIsCharQ(character))
+            result += kReplacementCharacter;
+        else
+            result.append(reinterpret_cast<const char *>(encoded),
+                          static_cast<std::size_t>(xmlCopyCharMultiByte(encoded, character)));
+    }
+    return result;
+}
+
+/// `text` with every "&" written so that nothing behind it is taken for a reference.
+std::string EscapeReferences(std::string text)
+{
+    constexpr std::string_view kEscaped = "&amp;";
+    std::size_t found = text.find('&');
+    if (found == std::string::npos)
+        return text;
+    std::string result;
+    std::size_t begin = 0;
+    for (; found != std::string::npos; found = text.find('&', begin))
+    {
+        result.append(text, begin, found - begin).append(kEscaped);
+        begin = found + 1;
+    }
+    return result.append(text, begin);
+}
+
+/// xmlNewNode and xmlNodeSetContent; null without memory.
+xmlNodePtr NewElement(const char *name, const char *content)
+{
+    const xmlNodePtr node = xmlNewNode(nullptr, AsXml(name));
+    if (node && content)
+        xmlNodeSetContent(node, AsXml(content));
+    return node;
+}
+
+/// Appends `node`, or frees it when that fails.
+xmlNodePtr AppendChild(xmlNodePtr parent, xmlNodePtr node)
+{
+    const xmlNodePtr added = xmlAddChild(parent, node);
+    if (!added)
+        xmlFreeNode(node);
+    return added;
+}
+
+/// A block of libxml2's as one of the C heap. Taken over as it is unless the host gave libxml2 an allocator of its own.
+char *MoveToCHeap(xmlChar *block, std::size_t size)
+{
+    if (xmlFree == static_cast<xmlFreeFunc>(std::free))
+        return reinterpret_cast<char *>(block);
+    const std::unique_ptr<xmlChar, FreeXmlMemory> owned(block);
+    char *const copy = static_cast<char *>(std::malloc(size + 1));
+    if (copy)
+        std::memcpy(copy, block, size + 1);
+    return copy;
+}
+
+bool Write(const std::string &fileName, xmlDocPtr document)
+{
+    return xmlSaveFile(Platform::NativePath(fileName).c_str(), document) != -1;
+}
+
+/// Writes beside the final place and renames. Writes directly only where the folder takes no new file or the system
+/// refuses the rename, never after a write that failed: what is there then stays.
+bool Save(const std::string &fileName, xmlDocPtr document)
+{
+    const QuietErrors quiet;
+    const std::string beside = fileName + ".new";
+    if (!Platform::OpenStream(beside, "wb"))
+        return Write(fileName, document);
+    const bool written = Write(beside, document);
+    if (written && Platform::RenameOver(beside, fileName))
+        return true;
+    Platform::RemoveFile(beside);
+    return written && Write(fileName, document);
+}
+
+} // namespace
+
+Status CCInitializeXMLParser()
+{
+    if (xmlParserRefCount == 0)
+        InitDebugHandle(kComponentName, &xmlDebugHandle);
+    ++xmlParserRefCount;
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCInitializeXMLParser");
+    trace.Text(TRACE_ENTRY, "Entered CCInitializeXMLParser");
+    trace.Text(TRACE_EXIT, "Exiting CCInitializeXMLParser");
+    return StatusCode::Success;
+}
+
+Status CCDeInitializeXMLParser()
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCDeInitializeXMLParser");
+    trace.Text(TRACE_ENTRY, "Entered DeInitializeXMLParser");
+    trace.Text(TRACE_EXIT, "Exiting DeInitializeXMLParser");
+    --xmlParserRefCount;
+    if (xmlParserRefCount == 0)
+    {
+        UnInitDebugHandle(xmlDebugHandle);
+        xmlDebugHandle = nullptr;
+    }
+    return StatusCode::Success;
+}
+
+xmlDocPtr CCXmlParseXMLfile(const char *fileName)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlParseXMLfile");
+    TRACE(trace, TRACE_ENTRY, "File name passed is %s", fileName);
+    xmlDocPtr document = nullptr;
+    WithoutExceptions(
+        [&]
+        {
+            const QuietErrors quiet;
+            if (fileName)
+                document = xmlReadFile(Platform::NativePath(fileName).c_str(), nullptr, 0);
+            return StatusCode::Success;
+        });
+    if (!document)
+    {
+        TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
+        trace.Text(TRACE_EXIT, "return NULL");
+        return nullptr;
+    }
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
+    return document;
+}
+
+xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlParseXMLBuffer");
+    TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
+    const QuietErrors quiet;
+    const xmlDocPtr document = xmlRecoverMemory(buffer, size);
+    if (!document)
+        TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
+    return document;
+}
+
+xmlDocPtr CCXmlCreateDoc(const char *version)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlCreateDoc");
+    TRACE(trace, TRACE_ENTRY, "Version passed is %s", version);
+    const xmlDocPtr document = xmlNewDoc(AsXml(version));
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
+    return document;
+}
+
+xmlNodePtr CCXmlGetRootElement(xmlDocPtr document)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlGetRootElement");
+    TRACE(trace, TRACE_ENTRY, "Document pointer Passed is %p", static_cast<void *>(document));
+    if (!document)
+    {
+        trace.Text(TRACE_EXIT, "Return NULL");
+        return nullptr;
+    }
+    const xmlNodePtr root = xmlDocGetRootElement(document);
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(root));
+    return root;
+}
+
+xmlNodePtr CCXmlSetRootElement(xmlDocPtr document, xmlNodePtr root)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlSetRootElement");
+    TRACE(trace, TRACE_ENTRY, "Document pointer Passed is %p, Root node %p", static_cast<void *>(document),
+          static_cast<void *>(root));
+    if (!document || !root)
+    {
+        trace.Text(TRACE_EXIT, "Return NULL");
+        return nullptr;
+    }
+    xmlDocSetRootElement(document, root);
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(root));
+    return root;
+}
+
+const char *CCXmlGetNodeElementName(xmlNodePtr node)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlGetNodeElementName");
+    TRACE(trace, TRACE_ENTRY, "Node Pointer passed is %p", static_cast<void *>(node));
+    if (!node)
+    {
+        trace.Text(TRACE_EXIT, "Return NULL");
+        return nullptr;
+    }
+    const char *const name = reinterpret_cast<const char *>(node->name);
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<const void *>(name));
+    return name;
+}
+
+xmlNodePtr CCXmlGetNextNodeChild(xmlNodePtr parent, xmlNodePtr sibling)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlGetNextNodeChild");
+    TRACE(trace, TRACE_ENTRY, "node parent %p , nodesibling %p", static_cast<void *>(parent),
+          static_cast<void *>(sibling));
+    if (!parent)
+    {
+        trace.Text(TRACE_EXIT, "Return NULL");
+        return nullptr;
+    }
+    const xmlNodePtr next = sibling ? sibling->next : parent->children;
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(next));
+    return next;
+}
+
+xmlNodePtr CCXmlAddNode(xmlNodePtr parent, const char *name, const char *content)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlAddNode");
+    TRACE(trace, TRACE_ENTRY, "Current Node %p, Node Name %s, Node Value %s", static_cast<void *>(parent), name,
+          content);
+    if (!name)
+    {
+        trace.Error("XML pointer passed is NULL");
+        trace.Text(TRACE_EXIT, "return status NULL");
+        return nullptr;
+    }
+    const QuietErrors quiet;
+    xmlNodePtr node = NewElement(name, content);
+    if (node && parent)
+        node = AppendChild(parent, node);
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(node));
+    return node;
+}
+
+Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlDocDumpMemory");
+    if (!memory)
+    {
+        TRACE(trace, TRACE_ENTRY, "Document Pointer %p, Memory size %p", static_cast<void *>(document),
+              static_cast<void *>(size));
+        trace.Error("Memory pointer passed is NULL");
+        return StatusCode::Missing;
+    }
+    TRACE(trace, TRACE_ENTRY, "Document Pointer %p, Memory Pointer %p, Memory size %p", static_cast<void *>(document),
+          static_cast<void *>(memory), static_cast<void *>(size));
+    if (!document || !size)
+    {
+        trace.Error("Document Pointer or Memory pointer passed is NULL");
+        return StatusCode::Missing;
+    }
+    const QuietErrors quiet;
+    xmlChar *block = nullptr;
+    int length = 0;
+    xmlDocDumpMemory(document, &block, &length);
+    char *const copy = block ? MoveToCHeap(block, static_cast<std::size_t>(length)) : nullptr;
+    if (!copy)
+        return StatusCode::Missing;
+    *memory = copy;
+    *size = length;
+    TRACE(trace, TRACE_EXIT, "return status %d", StatusCode::Success);
+    return StatusCode::Success;
+}
+
+Status CCXmlSave(const char *fileName, xmlDocPtr document)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlSave");
+    TRACE(trace, TRACE_ENTRY, "File name %s, Document Pointer %p", fileName, static_cast<void *>(document));
+    Status status = StatusCode::Failed;
+    if (!fileName || !document)
+        trace.Error("File name passed is NULL");
+    else
+        status = WithoutExceptions([&] { return Save(fileName, document) ? StatusCode::Success : StatusCode::Failed; });
+    TRACE(trace, TRACE_EXIT, "return status %d", status);
+    return status;
+}
+
+Status CCXmlFreeDocPtr(xmlDocPtr document)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlFreeDocPtr");
+    TRACE(trace, TRACE_ENTRY, "Document Pointer %p", static_cast<void *>(document));
+    if (!document)
+    {
+        trace.Text(TRACE_EXIT, "Document Pointer passed is NULL");
+        return StatusCode::Failed;
+    }
+    xmlFreeDoc(document);
+    return StatusCode::Success;
+}
+
+char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlGetAttributeValue");
+    TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s", static_cast<void *>(node), attributeName);
+    if (!node || !attributeName)
+    {
+        trace.Error("Node or attribute name passed is NULL");
+        trace.Text(TRACE_EXIT, "Return NULL");
+        return nullptr;
+    }
+    char *const value = reinterpret_cast<char *>(xmlGetProp(node, AsXml(attributeName)));
+    TRACE(trace, TRACE_EXIT, "Return value %s", value);
+    return value;
+}
+
+void CCXmlFreeValue::operator()(char *value) const
+{
+    xmlFree(value);
+}
+
+void CCXmlSetAttributeValue(xmlNodePtr node, const char *attributeName, const char *value)
+{
+    const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlSetAttributeValue");
+    TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s, Attribute Value %s", static_cast<void *>(node),
+          attributeName, value);
+    const QuietErrors quiet;
+    if (!node || !attributeName || !value)
+        trace.Error("Node or attribute name or attribute value passed is NULL");
+    else
+        xmlSetProp(node, AsXml(attributeName), AsXml(value));
+    trace.Text(TRACE_EXIT, "");
+}
+
+xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string text)
+{
+    if (!parent)
+        return nullptr;
+    return CCXmlAddNode(parent, name, EscapeReferences(MakeXmlText(std::move(text))).c_str());
+}
+
+void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text)
+{
+    CCXmlSetAttributeValue(node, attributeName, MakeXmlText(std::move(text)).c_str());
+}
