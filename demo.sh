@@ -13,7 +13,7 @@ tool_place="$ProgramFiles/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBi
 rm -rf demo
 mkdir -p demo/tool/ModuleData "$tool_place"
 cp Docs/Example/CapsList.json demo/tool/
-cp build/demo/bin/FenrikCmd "$tool_place/FenrikCmd.exe"
+cp build/demo/bin/FenrikCmd.exe "$tool_place/"
 
 build/demo/bin/biosconfig report --tool-dir demo/tool -o demo/report.xml
 echo "The BIOS options of a simulated machine:"

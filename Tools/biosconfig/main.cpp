@@ -82,24 +82,30 @@ std::string AskModule(const Arguments &arguments, const std::string &toolDirecto
 
 void ShowErrors(const std::string &errorFile, const std::vector<RecordedError> &errors)
 {
+    if (errors.empty())
+        return;
     Tell("the module recorded " + std::to_string(errors.size()) + (errors.size() == 1 ? " error" : " errors") + " in " +
          errorFile + ":");
     for (const RecordedError &error : errors)
         std::fprintf(stderr, "  %s (%s), %s, %s:%s\n", OneLine(error.message).c_str(), OneLine(error.title).c_str(),
-                     error.time.c_str(), error.sourceFile.c_str(), error.line.c_str());
-    std::string programFiles;
-    if (!Platform::ReadEnvironmentVariable("ProgramFiles", programFiles))
-        Tell("the environment variable ProgramFiles, which locates the external tool, is not set");
+                     OneLine(error.time).c_str(), OneLine(error.sourceFile).c_str(), OneLine(error.line).c_str());
 }
 
-void ExplainMissingReport(const Arguments &arguments, const std::vector<RecordedError> &errors)
+/// Whether the module could make the report, from what is there of it and the errors recorded meanwhile.
+ExitCode JudgeReport(const Arguments &arguments, const std::string &report, const std::vector<RecordedError> &errors)
 {
     const bool noWriter = std::any_of(errors.begin(), errors.end(),
                                       [](const RecordedError &error) { return error.message == kNoWriterMessage; });
-    Tell(noWriter ? "this module gives no report of that kind: " + arguments.formatName : "the module made no report");
+    std::string programFiles;
+    if (report.empty())
+        Tell(noWriter ? "this module gives no report of that kind: " + arguments.formatName
+                      : "the module made no report");
+    else if (!errors.empty() && !Platform::ReadEnvironmentVariable("ProgramFiles", programFiles))
+        Tell("the environment variable ProgramFiles, which locates the external tool, is not set");
+    return report.empty() || !errors.empty() ? ExitCode::NoReport : ExitCode::Success;
 }
 
-/// Has the module do the work and judges the outcome; stores the data, which may be there in part after a failure.
+/// Has the module do the work and judges the outcome. A report that could be made in part only is stored, too.
 ExitCode MakeData(const Arguments &arguments, std::string &data)
 {
     const std::string toolDirectory = ToolDirectory(arguments);
@@ -107,7 +113,6 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
     const ErrorFileWatch watch(toolDirectory + "Error.xml");
     if (report)
         RequireWritable(watch.Path());
-    ExitCode outcome = ExitCode::Success;
     try
     {
         data = AskModule(arguments, toolDirectory);
@@ -115,15 +120,12 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
     catch (const Failure &failure)
     {
         Tell(failure.what());
-        outcome = failure.code;
+        ShowErrors(watch.Path(), watch.NewErrors());
+        return failure.code;
     }
     const std::vector<RecordedError> errors = watch.NewErrors();
-    if (outcome == ExitCode::Success && report && data.empty())
-        ExplainMissingReport(arguments, errors);
-    if (!errors.empty())
-        ShowErrors(watch.Path(), errors);
-    const bool failed = !errors.empty() || (report && data.empty());
-    return outcome == ExitCode::Success && failed ? ExitCode::NoReport : outcome;
+    ShowErrors(watch.Path(), errors);
+    return report ? JudgeReport(arguments, data, errors) : ExitCode::Success;
 }
 
 ExitCode Run(const Arguments &arguments)
