@@ -4,7 +4,7 @@ set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 
 cmake/install-packages.sh </dev/null >&2
-cmake --preset release -B build/demo -DBIOSCONFIG_BUILD_TESTS=OFF --log-level=WARNING >&2
+cmake --preset release -B build/demo -DBIOSCONFIG_BUILD_TESTS=OFF >/dev/null
 cmake --build build/demo -- --quiet >&2
 
 # What an installation provides: the host's tool directory, and the external tool in its place.
@@ -16,7 +16,8 @@ cp Docs/Example/CapsList.json demo/tool/
 cp build/demo/bin/FenrikCmd.exe "$tool_place/"
 
 build/demo/bin/biosconfig report --tool-dir demo/tool -o demo/report.xml
-echo "The BIOS options of a simulated machine:"
-xmllint --format demo/report.xml | sed -n '1,10p'
-echo "      ..."
-echo "The whole report: $PWD/demo/report.xml"
+
+echo "The report, demo/report.xml, begins:"
+xmllint --format demo/report.xml | cut -c 1-110 | sed -n '2,9p'
+printf '... and has %s rows in %s groups.\n' "$(grep -o '<Row>' demo/report.xml | wc -l)" \
+    "$(grep -o '<Group ' demo/report.xml | wc -l)"

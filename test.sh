@@ -4,6 +4,6 @@ set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 
 cmake/install-packages.sh </dev/null
-cmake --preset debug --log-level=WARNING
+cmake --preset debug >/dev/null
 cmake --build --preset debug -- --quiet
 ctest --preset debug --parallel "$(nproc)"
