@@ -1,9 +1,9 @@
 #include "Platform.h"
+#include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -11,6 +11,9 @@ namespace
 {
 
 namespace fs = std::filesystem;
+using TestSupport::EnvironmentSetting;
+using TestSupport::ReadFile;
+using TestSupport::WriteFile;
 
 constexpr const char *kToolPlace =
     "Program Files/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary/";
@@ -38,17 +41,17 @@ Outcome RunBiosconfig(const std::string &arguments)
     return RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
 }
 
-std::string TextOf(const std::string &path)
+/// A report file's text as it was in the module's buffer.
+std::string BufferOf(const std::string &reportFile)
 {
     std::string text;
-    EXPECT_TRUE(Platform::ReadTextFile(path, text)) << path;
+    EXPECT_TRUE(Platform::ReadTextFile(reportFile, text)) << reportFile;
     return text;
 }
 
-void WriteText(const std::string &path, const std::string &text)
+std::ptrdiff_t FilesIn(const std::string &directory)
 {
-    Platform::TextFileWriter file;
-    ASSERT_TRUE(file.Open(path) && file.Write(text)) << path;
+    return std::distance(fs::directory_iterator(directory), {});
 }
 
 /// Works in a directory of its own, which holds an installed external tool and the tool directory "tools".
@@ -57,25 +60,18 @@ class BiosconfigTest : public testing::Test
 protected:
     void SetUp() override
     {
-        const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-        m_directory = fs::temp_directory_path() / ("biosconfig " + name);
-        fs::remove_all(m_directory);
-        fs::create_directories(m_directory);
-        fs::current_path(m_directory);
+        fs::current_path(m_directory.Path(""));
         fs::create_directories("tools/ModuleData");
+        fs::create_directory("out");
         fs::copy(EXAMPLE_CAPABILITIES, "tools/CapsList.json");
         fs::create_directories(kToolPlace);
-        fs::copy(FENRIK_PROGRAM, std::string(kToolPlace) + "FenrikCmd.exe");
-        setenv("ProgramFiles", (m_directory / "Program Files").string().c_str(), 1);
+        fs::copy(FENRIKCMD_PROGRAM, std::string(kToolPlace) + "FenrikCmd.exe");
     }
 
-    void TearDown() override
-    {
-        fs::current_path(m_directory.parent_path());
-        fs::remove_all(m_directory);
-    }
+    void TearDown() override { fs::current_path(fs::temp_directory_path()); }
 
-    fs::path m_directory;
+    TestSupport::TemporaryDirectory m_directory;
+    TestSupport::EnvironmentSetting m_programFiles{"ProgramFiles", m_directory.Path("Program Files")};
 };
 
 TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
@@ -83,33 +79,31 @@ TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
     const Outcome outcome = RunBiosconfig("report --tool-dir tools");
     EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
     EXPECT_TRUE(outcome.output.starts_with("<?xml version=\"1.0\"?>\n<TreeItem Name=\"BIOS Options\">"));
-    EXPECT_EQ(outcome.output, TextOf("tools/ModuleData/bios options_UI_XML"));
+    EXPECT_EQ(outcome.output, BufferOf("tools/ModuleData/bios options_UI_XML"));
     EXPECT_NE(outcome.messages.find("The BIOS interface is enabled"), std::string::npos) << outcome.messages;
 }
 
 TEST_F(BiosconfigTest, ReplacesTheOutputFileAndLeavesNothingBeside)
 {
-    fs::create_directory("out");
-    WriteText("out/report.xml", "old");
+    WriteFile("out/report.xml", "old");
     const Outcome outcome = RunBiosconfig("report --tool-dir tools --option \"bios options\" -o out/report.xml");
     EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
     EXPECT_EQ(outcome.output, "");
-    EXPECT_EQ(TextOf("out/report.xml"), TextOf("tools/ModuleData/bios options_UI_XML"));
-    EXPECT_EQ(std::distance(fs::directory_iterator("out"), {}), 1);
+    EXPECT_EQ(ReadFile("out/report.xml"), BufferOf("tools/ModuleData/bios options_UI_XML"));
+    EXPECT_EQ(FilesIn("out"), 1);
 }
 
 TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRunOnly)
 {
-    setenv("FENRIKCMD_FAULT", "exit:3", 1);
-    fs::create_directory("out");
-    WriteText("out/report.xml", "old");
-    WriteText("tools/Error.xml", "<Tool><Error><Message Name=\"Earlier\"/></Error></Tool>");
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
+    WriteFile("out/report.xml", "old");
+    WriteFile("tools/Error.xml", "<Tool><Error><Message Name=\"Earlier\"/></Error></Tool>");
     const Outcome toFile = RunBiosconfig("report --tool-dir tools -o out/report.xml");
     const Outcome toOutput = RunBiosconfig("report --tool-dir tools");
 
     EXPECT_EQ(toFile.exitCode, 1U);
-    EXPECT_EQ(TextOf("out/report.xml"), "old");
-    EXPECT_EQ(std::distance(fs::directory_iterator("out"), {}), 1);
+    EXPECT_EQ(ReadFile("out/report.xml"), "old");
+    EXPECT_EQ(FilesIn("out"), 1);
     EXPECT_EQ(toOutput.exitCode, 1U);
     EXPECT_NE(toOutput.output.find("FENRIK is not enabled on this platform"), std::string::npos);
     for (const std::string &messages : {toFile.messages, toOutput.messages})
@@ -122,7 +116,7 @@ TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRu
 
 TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
 {
-    setenv("BIOSCONFIG_TOOL_DIR", "tools/", 1);
+    const EnvironmentSetting toolDirectory("BIOSCONFIG_TOOL_DIR", "tools/");
     const Outcome outcome = RunBiosconfig("capabilities");
     EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
     EXPECT_EQ(outcome.output, "bios options\tAll setup options of this machine's BIOS\n");
@@ -133,7 +127,7 @@ TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
     const Outcome outcome = RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
     EXPECT_EQ(outcome.exitCode, 0U);
     EXPECT_EQ(outcome.messages, "BIOS Options: bios options\n");
-    EXPECT_TRUE(outcome.output.ends_with(TextOf("tools/ModuleData/bios options_UI_XML")));
+    EXPECT_TRUE(outcome.output.ends_with(BufferOf("tools/ModuleData/bios options_UI_XML")));
 }
 
 struct BadCall

@@ -2,7 +2,6 @@
 
 #include "KnobImage.h"
 #include "Number.h"
-#include "ToolError.h"
 
 #include <algorithm>
 #include <libxml/xmlwriter.h>
@@ -72,12 +71,12 @@ public:
 
     bool IsSound() const { return m_sound; }
 
-    void Finish()
+    /// Closes what is open; false when anything has failed since the start.
+    bool Finish()
     {
         Note(xmlTextWriterEndDocument(m_writer.get()));
         Note(xmlTextWriterFlush(m_writer.get()));
-        if (!m_sound)
-            throw ToolError(ExitCode::CannotWrite, "cannot write the dump");
+        return m_sound;
     }
 
 private:
@@ -95,6 +94,10 @@ private:
 void WriteChoices(XmlDocument &document, const Knob &knob, const std::string &currentValue)
 {
     document.Start("options");
+    const bool isListed = std::any_of(knob.choices.begin(), knob.choices.end(),
+                                      [&](const Choice &choice) { return HexText(choice.value) == currentValue; });
+    if (!isListed)
+        document.Comment("the current value is none of these");
     for (const Choice &choice : knob.choices)
     {
         document.Start("option");
@@ -102,10 +105,6 @@ void WriteChoices(XmlDocument &document, const Knob &knob, const std::string &cu
         document.Attribute("value", HexText(choice.value));
         document.End();
     }
-    const bool isListed = std::any_of(knob.choices.begin(), knob.choices.end(),
-                                      [&](const Choice &choice) { return HexText(choice.value) == currentValue; });
-    if (!isListed)
-        document.Comment("the current value is none of these");
     document.End();
 }
 
@@ -142,7 +141,7 @@ void WritePlatform(XmlDocument &document)
 
 } // namespace
 
-void WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &sink)
+bool WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &sink)
 {
     XmlDocument document(sink);
     document.Start(rootName);
@@ -157,5 +156,5 @@ void WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &s
         page = knob.page;
         WriteKnob(document, knob, CurrentValue(firmware, knob));
     }
-    document.Finish();
+    return document.Finish();
 }

@@ -9,6 +9,6 @@
 using DumpSink = std::function<bool(std::string_view piece)>;
 
 /// Hands the XML dump of all options of `firmware`, UTF-8 and indented by tabs, to `sink` piece by piece; the document
-/// never stands in memory as a whole. The root element is `rootName`. Throws ToolError (CannotWrite) when the sink
-/// refuses. libxml2's xmlTextWriter does the work.
-void WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &sink);
+/// never stands in memory as a whole. The root element is `rootName`. Returns false when the sink refused a piece.
+/// libxml2's xmlTextWriter does the work.
+bool WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &sink);

@@ -27,16 +27,23 @@ constexpr FaultName kFaultNames[] = {{"crash", FaultKind::Crash},         {"nodu
 
 ToolError Unknown(const std::string &setting)
 {
-    return {ExitCode::UnknownFault,
-            std::string(kFaultVariable) + "=\"" + setting +
-                "\" is no fault; there are exit:N (N from 0 to 255), crash, nodump, emptydump, halfdump, wrongroot and "
-                "big, each after COMMAND= where it is for one command only"};
+    return {ExitCode::UnknownFault, std::string(kFaultVariable) + "=\"" + setting +
+                                        "\" is no fault; there are exit:N (N from 0 to 255) and crash, with COMMAND= "
+                                        "in front where they are for one "
+                                        "command only, and for savexml nodump, emptydump, halfdump, wrongroot and big"};
 }
 
 bool IsCommand(std::string_view name)
 {
     return std::any_of(kCommands.begin(), kCommands.end(),
                        [name](const Command &command) { return name == command.name; });
+}
+
+/// Whether `fault` can be seen in `command`.
+bool Concerns(const Fault &fault, std::string_view command)
+{
+    const bool isAnyCommands = fault.kind == FaultKind::Exit || fault.kind == FaultKind::Crash;
+    return isAnyCommands || command == "savexml";
 }
 
 Fault ParseFault(std::string_view text, const std::string &setting)
@@ -63,15 +70,13 @@ Fault FaultFor(const std::string &command)
     std::string setting;
     if (!Platform::ReadEnvironmentVariable(kFaultVariable, setting))
         return {};
-    std::string_view text = setting;
-    std::string_view onlyIn = command;
-    if (const auto equals = text.find('='); equals != std::string_view::npos)
-    {
-        onlyIn = text.substr(0, equals);
-        text.remove_prefix(equals + 1);
-        if (!IsCommand(onlyIn))
-            throw Unknown(setting);
-    }
-    const Fault fault = ParseFault(text, setting);
+    const std::string_view text = setting;
+    const std::size_t equals = text.find('=');
+    if (equals == std::string_view::npos)
+        return ParseFault(text, setting);
+    const std::string_view onlyIn = text.substr(0, equals);
+    const Fault fault = ParseFault(text.substr(equals + 1), setting);
+    if (!IsCommand(onlyIn) || !Concerns(fault, onlyIn))
+        throw Unknown(setting);
     return onlyIn == command ? fault : Fault{};
 }

@@ -28,5 +28,5 @@ struct Fault
 constexpr const char *kFaultVariable = "FENRIKCMD_FAULT";
 
 /// The fault that the environment asks of `command`. Throws ToolError (UnknownFault) for a fault or a command that
-/// does not exist, whichever command is running.
+/// does not exist and for a fault of the dump in another command than savexml, whichever command is running.
 Fault FaultFor(const std::string &command);

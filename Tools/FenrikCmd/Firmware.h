@@ -7,7 +7,7 @@
 #include <string>
 
 /// Option values by option name.
-using KnobValues = std::map<std::string, std::string, std::less<>>;
+using KnobValues = std::map<std::string, std::string>;
 
 /// The state of the simulated machine. What its options are follows from their number alone (KnobImage.h).
 struct Firmware

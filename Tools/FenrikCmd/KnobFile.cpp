@@ -42,7 +42,6 @@ std::string Quoted(const std::string &text)
 
 AssignmentLine SplitAssignment(std::size_t number, std::string_view line)
 {
-    line = line.substr(0, line.find(';'));
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos)
         return {number, std::string(Trim(line)), std::nullopt};
@@ -53,7 +52,7 @@ AssignmentLine SplitAssignment(std::size_t number, std::string_view line)
 bool CarriesNothing(std::string_view line)
 {
     const bool isSection = line.starts_with('[') && line.ends_with(']');
-    return line.empty() || line.front() == ';' || line.front() == '#' || isSection;
+    return line.empty() || line.front() == '#' || isSection;
 }
 
 std::vector<AssignmentLine> SplitLines(std::string_view text)
@@ -64,7 +63,8 @@ std::vector<AssignmentLine> SplitLines(std::string_view text)
     for (std::size_t number = 1; !text.empty(); ++number)
     {
         const std::size_t end = std::min(text.find('\n'), text.size());
-        const std::string_view line = Trim(text.substr(0, end));
+        const std::string_view wholeLine = text.substr(0, end);
+        const std::string_view line = Trim(wholeLine.substr(0, wholeLine.find(';')));
         text.remove_prefix(std::min(end + 1, text.size()));
         if (CarriesNothing(line))
             continue;

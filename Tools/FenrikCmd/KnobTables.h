@@ -7,12 +7,12 @@
 struct KnobRow
 {
     KnobKind kind;
+    std::uint32_t size;
     const char *name;
     const char *prompt;
     const char *help;
     const char *depex;
     std::span<const Choice> choices;
-    std::uint32_t size;
     std::uint64_t number;
     const char *text;
 };
@@ -34,25 +34,25 @@ inline constexpr const char *kAlways = "TRUE";
 constexpr KnobRow OneOf(const char *name, const char *prompt, std::span<const Choice> choices, std::uint64_t value,
                         const char *help, const char *depex = kAlways)
 {
-    return {KnobKind::OneOf, name, prompt, help, depex, choices, 1, value, ""};
+    return {KnobKind::OneOf, 1, name, prompt, help, depex, choices, value, ""};
 }
 
 constexpr KnobRow Check(const char *name, const char *prompt, bool isChecked, const char *help,
                         const char *depex = kAlways)
 {
-    return {KnobKind::CheckBox, name, prompt, help, depex, kUncheckedChecked, 1, isChecked ? 1U : 0U, ""};
+    return {KnobKind::CheckBox, 1, name, prompt, help, depex, kUncheckedChecked, isChecked ? 1U : 0U, ""};
 }
 
 constexpr KnobRow Number(const char *name, const char *prompt, std::uint32_t size, std::uint64_t value,
                          const char *help, const char *depex = kAlways)
 {
-    return {KnobKind::Numeric, name, prompt, help, depex, {}, size, value, ""};
+    return {KnobKind::Numeric, size, name, prompt, help, depex, {}, value, ""};
 }
 
 constexpr KnobRow Text(const char *name, const char *prompt, std::uint32_t size, const char *text, const char *help,
                        const char *depex = kAlways)
 {
-    return {KnobKind::Text, name, prompt, help, depex, {}, size, 0, text};
+    return {KnobKind::Text, size, name, prompt, help, depex, {}, 0, text};
 }
 
 extern const std::span<const KnobPage> kBoardPages;

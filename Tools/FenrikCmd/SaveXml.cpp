@@ -3,6 +3,7 @@
 #include "Dump.h"
 #include "Platform.h"
 #include "ReplacedFile.h"
+#include "ToolError.h"
 
 namespace
 {
@@ -12,16 +13,33 @@ constexpr const char *kWrongRootName = "FIRMWARE";
 /// Enough options for more than 100 MB.
 constexpr std::uint32_t kBigKnobCount = 100'000;
 
-void WriteHalf(const Firmware &firmware, ReplacedFile &file)
+bool WriteHalf(const Firmware &firmware, ReplacedFile &file)
 {
     std::string dump;
-    WriteDump(firmware, kRootName,
-              [&dump](std::string_view piece)
-              {
-                  dump += piece;
-                  return true;
-              });
-    file.Write(std::string_view(dump).substr(0, dump.size() / 2));
+    const auto toMemory = [&dump](std::string_view piece)
+    {
+        dump += piece;
+        return true;
+    };
+    return WriteDump(firmware, kRootName, toMemory) && file.Write(std::string_view(dump).substr(0, dump.size() / 2));
+}
+
+bool WriteContent(const Firmware &firmware, FaultKind fault, ReplacedFile &file)
+{
+    const auto toFile = [&file](std::string_view piece) { return file.Write(piece); };
+    switch (fault)
+    {
+    case FaultKind::EmptyDump:
+        return true;
+    case FaultKind::HalfDump:
+        return WriteHalf(firmware, file);
+    case FaultKind::WrongRoot:
+        return WriteDump(firmware, kWrongRootName, toFile);
+    case FaultKind::BigDump:
+        return WriteDump(GeneratedFirmware(kBigKnobCount), kRootName, toFile);
+    default:
+        return WriteDump(firmware, kRootName, toFile);
+    }
 }
 
 } // namespace
@@ -34,14 +52,7 @@ void SaveXml(const Firmware &firmware, const std::string &path, FaultKind fault)
         return;
     }
     ReplacedFile file(path);
-    const auto toFile = [&file](std::string_view piece) { return file.Write(piece); };
-    if (fault == FaultKind::HalfDump)
-        WriteHalf(firmware, file);
-    else if (fault == FaultKind::WrongRoot)
-        WriteDump(firmware, kWrongRootName, toFile);
-    else if (fault == FaultKind::BigDump)
-        WriteDump(GeneratedFirmware(kBigKnobCount), kRootName, toFile);
-    else if (fault != FaultKind::EmptyDump)
-        WriteDump(firmware, kRootName, toFile);
+    if (!WriteContent(firmware, fault, file))
+        throw ToolError(ExitCode::CannotWrite, "cannot write the dump \"" + path + "\"");
     file.Commit();
 }
