@@ -1,0 +1,6 @@
+#include "AVLTree.h"
+
+Status AVLTreeInit(ContainerHandle_t *)
+{
+    return StatusCode::Failed;
+}

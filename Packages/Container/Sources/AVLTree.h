@@ -1,0 +1,5 @@
+#pragma once
+
+#include "Container.h"
+
+Status AVLTreeInit(ContainerHandle_t *container);

@@ -1,0 +1,6 @@
+#include "RBTree.h"
+
+Status RBTreeInit(ContainerHandle_t *)
+{
+    return StatusCode::Failed;
+}

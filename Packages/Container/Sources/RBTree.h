@@ -1,0 +1,5 @@
+#pragma once
+
+#include "Container.h"
+
+Status RBTreeInit(ContainerHandle_t *container);
