@@ -1,4 +1,5 @@
 #include "Container.h"
+#include "FailingAllocation.h"
 #include "AVLTree.h"
 #include "LinkedLists.h"
 #include "RBTree.h"
@@ -7,9 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <deque>
-#include <new>
 #include <numeric>
 #include <random>
 #include <string>
@@ -17,42 +16,6 @@
 #include <vector>
 
 using namespace StatusCode;
-
-namespace
-{
-
-/// Allocations of this thread that still succeed.
-thread_local long allocationsLeft = -1;
-
-/// Lets an allocation of the call fail, after `succeeding` others.
-template <typename Call>
-auto WithoutMemory(long succeeding, Call call)
-{
-    allocationsLeft = succeeding;
-    const auto result = call();
-    allocationsLeft = -1;
-    return result;
-}
-
-} // namespace
-
-void *operator new(std::size_t size)
-{
-    void *const memory = allocationsLeft == 0 ? nullptr : std::malloc(size);
-    if (!memory)
-        throw std::bad_alloc();
-    allocationsLeft -= allocationsLeft > 0 ? 1 : 0;
-    return memory;
-}
-
-void operator delete(void *memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void *memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace
 {
@@ -279,9 +242,9 @@ const Operation kOperations[] = {
 void CompareWithVector(std::uint32_t kind, std::uint32_t dataType, std::mt19937 &random)
 {
     const auto below = [&random](std::size_t end) { return static_cast<std::uint32_t>(random() % end); };
+    std::deque<Item> items;
     const Owned container = Make({.kind = kind, .dataType = dataType, .compare = CompareDescending});
     Model model{kind, dataType};
-    std::deque<Item> items;
     for (int count = 0; count < 5000 && !testing::Test::HasFailure(); ++count)
     {
         Item &item = items.emplace_back(static_cast<int>(below(51)) - 25);
@@ -495,8 +458,8 @@ TEST(Container, TwoThreadsLoseNothing)
 {
     for (const std::uint32_t kind : kKinds)
     {
-        const Owned container = Make({.kind = kind});
         std::vector<std::int32_t> low(2000), high(2000);
+        const Owned container = Make({.kind = kind});
         std::iota(low.begin(), low.end(), 0);
         std::iota(high.begin(), high.end(), 2000);
         std::thread other([&] { InsertAndDelete(container.get(), low); });
