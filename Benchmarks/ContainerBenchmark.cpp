@@ -1,5 +1,6 @@
-// The container kinds beside other containers that do the same work: a node of its own for every element, which holds a
-// pointer to the caller's integer, and the same mutex held for every single operation.
+// The container kinds beside other containers that do the same work in the same way: a node of its own for every
+// element, which holds a pointer to the caller's integer; the same mutex held for every single operation, also for each
+// step of a walk; operations that are called and not put inline, as those of a library are.
 
 #include "Container.h"
 #include "Platform.h"
@@ -62,28 +63,29 @@ public:
         void *last = nullptr;
         Pop(m_container, last);
     }
-    std::int64_t Walk()
+    void StartWalk() { m_index = 0; }
+    /// The next element of a walk, null after the last one.
+    Element *Next()
     {
-        std::int64_t sum = 0;
         void *data = nullptr;
-        for (std::uint32_t index = 0; RetrieveFromIndex(m_container, data, index) == StatusCode::Success; ++index)
-            sum += *static_cast<Element *>(data);
-        return sum;
+        return RetrieveFromIndex(m_container, data, m_index++) == StatusCode::Success ? static_cast<Element *>(data)
+                                                                                      : nullptr;
     }
 
 private:
     ContainerHandle_t *m_container = nullptr;
+    std::uint32_t m_index = 0;
 };
 
 class StdList : Locked
 {
 public:
-    void Add(Element *element)
+    [[gnu::noinline]] void Add(Element *element)
     {
         const auto lock = Lock();
         m_list.push_back(element);
     }
-    void RemoveLast()
+    [[gnu::noinline]] void RemoveLast()
     {
         const auto lock = Lock();
         m_list.pop_back();
@@ -96,25 +98,21 @@ private:
 class StdMultiset : Locked
 {
 public:
-    void Add(Element *element)
+    [[gnu::noinline]] void Add(Element *element)
     {
         const auto lock = Lock();
         m_set.insert(element);
     }
-    void Remove(Element *element)
+    [[gnu::noinline]] void Remove(Element *element)
     {
         const auto lock = Lock();
         m_set.erase(m_set.find(element));
     }
-    std::int64_t Walk()
+    void StartWalk() { m_next = m_set.begin(); }
+    [[gnu::noinline]] Element *Next()
     {
-        std::int64_t sum = 0;
-        for (auto position = m_set.begin(); position != m_set.end();)
-        {
-            const auto lock = Lock();
-            sum += **position++;
-        }
-        return sum;
+        const auto lock = Lock();
+        return m_next == m_set.end() ? nullptr : *m_next++;
     }
 
 private:
@@ -123,6 +121,7 @@ private:
         bool operator()(const Element *first, const Element *second) const { return *first < *second; }
     };
     std::multiset<Element *, Less> m_set;
+    std::multiset<Element *, Less>::iterator m_next;
 };
 
 #ifdef HAVE_BSD_TREE
@@ -143,31 +142,29 @@ RB_GENERATE_INTERNAL(BsdHead, BsdNode, entry, CompareBsdNodes, [[maybe_unused]] 
 class BsdTree : Locked
 {
 public:
-    void Add(Element *element)
+    [[gnu::noinline]] void Add(Element *element)
     {
         const auto lock = Lock();
         auto *const node = new BsdNode{{}, element};
         RB_INSERT(BsdHead, &m_head, node);
     }
-    void Remove(Element *element)
+    [[gnu::noinline]] void Remove(Element *element)
     {
         const auto lock = Lock();
         BsdNode searched{{}, element};
         delete RB_REMOVE(BsdHead, &m_head, RB_FIND(BsdHead, &m_head, &searched));
     }
-    std::int64_t Walk()
+    void StartWalk() { m_next = RB_MIN(BsdHead, &m_head); }
+    [[gnu::noinline]] Element *Next()
     {
-        std::int64_t sum = 0;
-        for (BsdNode *node = RB_MIN(BsdHead, &m_head); node;)
-        {
-            const auto lock = Lock();
-            sum += *node->data;
-            node = RB_NEXT(BsdHead, &m_head, node);
-        }
-        return sum;
+        const auto lock = Lock();
+        const BsdNode *const node = m_next;
+        m_next = node ? RB_NEXT(BsdHead, &m_head, m_next) : nullptr;
+        return node ? node->data : nullptr;
     }
 
 private:
+    BsdNode *m_next = nullptr;
     BsdHead m_head = RB_INITIALIZER(&m_head);
 };
 #endif
@@ -186,29 +183,27 @@ public:
     GLibTree() : m_tree(g_tree_new(CompareElements)) {}
     ~GLibTree() { g_tree_destroy(m_tree); }
 
-    void Add(Element *element)
+    [[gnu::noinline]] void Add(Element *element)
     {
         const auto lock = Lock();
         g_tree_insert(m_tree, element, element);
     }
-    void Remove(Element *element)
+    [[gnu::noinline]] void Remove(Element *element)
     {
         const auto lock = Lock();
         g_tree_remove(m_tree, element);
     }
-    std::int64_t Walk()
+    void StartWalk() { m_next = g_tree_node_first(m_tree); }
+    [[gnu::noinline]] Element *Next()
     {
-        std::int64_t sum = 0;
-        for (GTreeNode *node = g_tree_node_first(m_tree); node;)
-        {
-            const auto lock = Lock();
-            sum += *static_cast<Element *>(g_tree_node_value(node));
-            node = g_tree_node_next(node);
-        }
-        return sum;
+        const auto lock = Lock();
+        GTreeNode *const node = m_next;
+        m_next = node ? g_tree_node_next(node) : nullptr;
+        return node ? static_cast<Element *>(g_tree_node_value(node)) : nullptr;
     }
 
 private:
+    GTreeNode *m_next = nullptr;
     GTree *m_tree;
 };
 #endif
@@ -245,6 +240,16 @@ void RemoveAll(Tested &tested, std::vector<Element> &elements)
 {
     for (Element &element : elements)
         tested.Remove(&element);
+}
+
+template <typename Tested>
+std::int64_t WalkAll(Tested &tested)
+{
+    std::int64_t sum = 0;
+    tested.StartWalk();
+    while (const Element *const element = tested.Next())
+        sum += *element;
+    return sum;
 }
 
 template <typename Work>
@@ -290,7 +295,7 @@ struct Walking
         Tested tested;
         std::vector<Element> &shuffled = elements.Shuffle();
         AddAll(tested, shuffled);
-        const double seconds = Seconds([&] { benchmark::DoNotOptimize(tested.Walk()); });
+        const double seconds = Seconds([&] { benchmark::DoNotOptimize(WalkAll(tested)); });
         RemoveAll(tested, shuffled);
         return seconds;
     }

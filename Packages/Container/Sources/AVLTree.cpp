@@ -112,7 +112,7 @@ void Attach(ContainerHandle_t &tree, NodeOwner node)
     AVLNode_t *root = Root(tree);
     Path path(root);
     while (path.Place())
-        path.Descend(SideFor(tree.compare(node->data, path.Place()->data)));
+        path.Descend(tree.compare(node->data, path.Place()->data) < 0 ? kLeft : kRight);
     path.Place() = node.release();
     path.RestoreUpwards();
     tree.head = root;
@@ -127,7 +127,7 @@ bool FindEqual(Path &path, const ContainerHandle_t &tree, const void *data)
         const std::int32_t order = tree.compare(data, path.Place()->data);
         if (order == 0)
             return true;
-        path.Descend(SideFor(order));
+        path.Descend(order < 0 ? kLeft : kRight);
     }
     return false;
 }

@@ -1,6 +1,7 @@
 #include "Container.h"
 
 #include "AVLTree.h"
+#include "Comparisons.h"
 #include "LinkedLists.h"
 #include "Platform.h"
 #include "RBTree.h"
@@ -21,16 +22,6 @@ constexpr char kVersionRecord[] = "02\0"
 static_assert(sizeof(kVersionRecord) == kContainerVersionSize);
 
 std::atomic<bool> versionWritten = false;
-
-template <typename Value>
-std::int32_t CompareValues(const void *first, const void *second)
-{
-    const Value left = *static_cast<const Value *>(first);
-    const Value right = *static_cast<const Value *>(second);
-    if (left > right)
-        return 1;
-    return left == right ? 0 : -1;
-}
 
 std::int32_t CompareTexts(const void *first, const void *second)
 {

@@ -1,5 +1,6 @@
 #include "RBTree.h"
 
+#include "Comparisons.h"
 #include "TreeWalk.h"
 
 #include <new>
@@ -145,37 +146,62 @@ void RestoreAfterDelete(ContainerHandle_t &tree, RBNode_t *node)
     node->colour = RB_BLACK;
 }
 
+/// Where a node is to hang.
+struct Place
+{
+    RBNode_t *parent;
+    TreeSide_t side;
+};
+
+/// Equal data goes to the right.
+Place FindPlace(const ContainerHandle_t &tree, const void *data)
+{
+    return WithComparison(tree,
+                          [&tree, data](auto compare)
+                          {
+                              RBNode_t *parent = None(tree);
+                              std::int32_t order = 0;
+                              for (RBNode_t *node = Root(tree); node != None(tree);)
+                              {
+                                  parent = node;
+                                  order = compare(data, node->data);
+                                  // Not an index made from the order: that would wait for the data.
+                                  if (order < 0)
+                                      node = node->child[kLeft];
+                                  else
+                                      node = node->child[kRight];
+                              }
+                              return Place{parent, order < 0 ? kLeft : kRight};
+                          });
+}
+
 void Attach(ContainerHandle_t &tree, NodeOwner owner)
 {
-    RBNode_t *const none = None(tree);
-    RBNode_t *parent = none;
-    TreeSide_t side = kLeft;
-    for (RBNode_t *below = Root(tree); below != none; below = below->child[side])
-    {
-        parent = below;
-        side = SideFor(tree.compare(owner->data, below->data));
-    }
+    const Place place = FindPlace(tree, owner->data);
     RBNode_t *const node = owner.release();
-    node->child[kLeft] = none;
-    node->child[kRight] = none;
-    node->parent = parent;
+    node->child[kLeft] = None(tree);
+    node->child[kRight] = None(tree);
+    node->parent = place.parent;
     node->colour = RB_RED;
-    SetChild(tree, parent, side, node);
+    SetChild(tree, place.parent, place.side, node);
     RestoreAfterInsert(tree, node);
     State(tree).walk.Forget();
 }
 
 RBNode_t *FindEqual(const ContainerHandle_t &tree, const void *data)
 {
-    RBNode_t *node = Root(tree);
-    while (node != None(tree))
-    {
-        const std::int32_t order = tree.compare(data, node->data);
-        if (order == 0)
-            return node;
-        node = node->child[SideFor(order)];
-    }
-    return nullptr;
+    return WithComparison(tree,
+                          [&tree, data](auto compare) -> RBNode_t *
+                          {
+                              for (RBNode_t *node = Root(tree); node != None(tree);)
+                              {
+                                  const std::int32_t order = compare(data, node->data);
+                                  if (order == 0)
+                                      return node;
+                                  node = order < 0 ? node->child[kLeft] : node->child[kRight];
+                              }
+                              return nullptr;
+                          });
 }
 
 /// Takes the data of `node` out of the tree, and with it a node: `node` itself, or the one next in order when `node`
