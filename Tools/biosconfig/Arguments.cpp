@@ -27,6 +27,8 @@ The module runs an external tool that it finds through the environment variable 
 In the tool directory it reads CapsList.json and records errors in Error.xml; a copy of each report goes into
 the folder ModuleData there, if that folder exists.
 
+Traces are switched on by a file debug.conf in the working directory.
+
 Data goes to standard output; messages, traces and what the external tool prints go to standard error.
 )";
 
