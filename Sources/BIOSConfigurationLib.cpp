@@ -106,19 +106,44 @@ void AppendKnobName(std::vector<std::string> &names, std::string_view line)
         names.emplace_back(line.substr(0, equals));
 }
 
+const char *FindOrEnd(const char *begin, const char *end, char wanted)
+{
+    const void *const found = std::memchr(begin, wanted, static_cast<std::size_t>(end - begin));
+    return found ? static_cast<const char *>(found) : end;
+}
+
+/// Removes every line feed and tab, in place. Moves whole pieces: most lines hold no tab behind their indentation.
+void RemoveLineFeedsAndTabs(std::string &text)
+{
+    char *out = text.data();
+    const char *in = out;
+    const char *const end = in + text.size();
+    const char *lineEnd = in;
+    while (in != end)
+    {
+        if (*in == '\n' || *in == '\t')
+        {
+            ++in;
+            continue;
+        }
+        if (lineEnd <= in)
+            lineEnd = FindOrEnd(in, end, '\n');
+        const char *const pieceEnd = FindOrEnd(in, lineEnd, '\t');
+        const auto length = static_cast<std::size_t>(pieceEnd - in);
+        std::memmove(out, in, length);
+        out += length;
+        in = pieceEnd;
+    }
+    text.resize(static_cast<std::size_t>(out - text.data()));
+}
+
 /// The tool's dump without line feeds and tabs, which carry no meaning, also inside attribute values.
 std::string ReadDump()
 {
     std::string text;
     Platform::ReadTextFile(toolDirectory + kDumpFile, text);
-    // Without a branch per character: a dump is mostly text, but indentation is frequent and irregular.
-    char *out = text.data();
-    for (const char character : text)
-    {
-        *out = character;
-        out += static_cast<int>(character != '\n') & static_cast<int>(character != '\t');
-    }
-    text.resize(static_cast<std::size_t>(out - text.data()));
+    RemoveLineFeedsAndTabs(text);
+    CCXmlPadBuffer(text);
     return text;
 }
 

@@ -5,6 +5,7 @@
 #include "Platform.h"
 #include "PrintableAscii.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <libxml/chvalid.h>
@@ -59,6 +60,11 @@ struct FreeXmlMemory
     void operator()(xmlChar *memory) const { xmlFree(memory); }
 };
 
+bool IsPlain(xmlChar character)
+{
+    return character >= ' ' && character <= 127;
+}
+
 bool IsHighSurrogate(int character)
 {
     return character >= 0xD800 && character < 0xDC00;
@@ -99,6 +105,11 @@ std::string MakeXmlText(std::string text)
     const xmlChar *const end = position + text.size();
     while (position != end)
     {
+        const xmlChar *const plain = position;
+        position = std::find_if_not(position, end, IsPlain);
+        result.append(reinterpret_cast<const char *>(plain), static_cast<std::size_t>(position - plain));
+        if (position == end)
+            break;
         const int character = TakeCharacter(position, end);
         xmlChar encoded[8];
         if (character < 0 || !xmlIsCharQ(character))
@@ -237,6 +248,14 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
     return document;
+}
+
+void CCXmlPadBuffer(std::string &buffer)
+{
+    // Several times the distance from the end at which libxml2 looks for more.
+    constexpr std::size_t kPadding = std::size_t{16} * INPUT_CHUNK;
+    if (buffer.size() > XML_MAX_LOOKUP_LIMIT - kPadding)
+        buffer.append(kPadding, ' ');
 }
 
 xmlDocPtr CCXmlCreateDoc(const char *version)

@@ -29,6 +29,10 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName);
 /// owns the document; null when nothing could be built.
 xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size);
 
+/// Puts blanks behind a text of more than 10 MB that is to be parsed. libxml2 gives up a long text when it comes near
+/// its end, and would lose the last element; blanks behind the root element are lost instead. May throw std::bad_alloc.
+void CCXmlPadBuffer(std::string &buffer);
+
 /// Makes an empty document (xmlNewDoc); a null version stands for "1.0". The caller owns it; null without memory.
 xmlDocPtr CCXmlCreateDoc(const char *version);
 

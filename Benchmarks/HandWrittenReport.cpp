@@ -1,0 +1,190 @@
+#include "HandWrittenReport.h"
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <map>
+#include <sstream>
+
+namespace
+{
+
+const xmlChar *AsXml(const char *text)
+{
+    return reinterpret_cast<const xmlChar *>(text);
+}
+
+constexpr std::array kAttributes = {"type", "setupType", "name",  "varstoreIndex", "prompt",  "description", "UqiVal",
+                                    "size", "offset",    "depex", "SetupPgPtr",    "default", "CurrentVal"};
+enum : std::size_t
+{
+    Name = 2,
+    Prompt = 4,
+    Description = 5,
+    Page = 10,
+    Current = 12
+};
+
+std::string ReadStripped(const std::string &path)
+{
+    std::string text;
+    std::FILE *const file = std::fopen(path.c_str(), "rb");
+    if (!file)
+        return text;
+    std::fseek(file, 0, SEEK_END);
+    text.resize(static_cast<std::size_t>(std::ftell(file)));
+    std::rewind(file);
+    text.resize(std::fread(text.data(), 1, text.size(), file));
+    std::fclose(file);
+    char *out = text.data();
+    const char *const end = out + text.size();
+    for (const char *in = out; in != end;)
+    {
+        const char *const piece = in;
+        while (in != end && *in != '\n' && *in != '\t' && *in != '\r')
+            ++in;
+        std::memmove(out, piece, static_cast<std::size_t>(in - piece));
+        out += in - piece;
+        if (in != end && *in == '\r' && (in + 1 == end || in[1] != '\n'))
+            *out++ = '\r';
+        in += in != end ? 1 : 0;
+    }
+    text.resize(static_cast<std::size_t>(out - text.data()));
+    if (text.size() > 9000000)
+        text.append(4096, ' '); // libxml2 loses the last element of a long text otherwise
+    return text;
+}
+
+xmlDocPtr ParseStripped(const std::string &path)
+{
+    const std::string text = ReadStripped(path);
+    return xmlRecoverMemory(text.data(), static_cast<int>(text.size()));
+}
+
+/// The text of the option whose value is `current`.
+std::string FindOption(xmlNodePtr knob, const xmlChar *current)
+{
+    const xmlNodePtr list = knob->children;
+    if (!list)
+        return reinterpret_cast<const char *>(current);
+    const unsigned long wanted = std::strtoul(reinterpret_cast<const char *>(current), nullptr, 16);
+    std::string found;
+    for (xmlNodePtr option = list->children; option; option = option->next)
+    {
+        xmlChar *const text = xmlGetProp(option, AsXml("text"));
+        xmlChar *const value = xmlGetProp(option, AsXml("value"));
+        if (found.empty() && value && std::strtoul(reinterpret_cast<const char *>(value), nullptr, 16) == wanted)
+            found = reinterpret_cast<const char *>(text);
+        xmlFree(text);
+        xmlFree(value);
+    }
+    return found;
+}
+
+void AppendCell(std::string &row, const char *text)
+{
+    for (const char *found = std::strchr(text, '&'); found; found = std::strchr(text, '&'))
+    {
+        row.append(text, found).append("&amp;");
+        text = found + 1;
+    }
+    row += text;
+}
+
+using Groups = std::map<std::string, xmlNodePtr>;
+
+xmlNodePtr FindGroup(Groups &groups, const char *page)
+{
+    const char *const slash = std::strchr(page, '/');
+    xmlNodePtr &group = groups[slash && slash != page ? std::string(page, slash) : "Bios Options"];
+    if (!group)
+        group = xmlNewNode(nullptr, AsXml("Group"));
+    return group;
+}
+
+void AddRow(xmlNodePtr knob, Groups &groups)
+{
+    std::array<xmlChar *, kAttributes.size()> values = {};
+    for (std::size_t index = 0; index < kAttributes.size(); ++index)
+        values[index] = xmlGetProp(knob, AsXml(kAttributes[index]));
+    const auto text = [&values](std::size_t index) { return reinterpret_cast<const char *>(values[index]); };
+    if (values[Name] && std::strcmp(text(Name), "TpmDevice") != 0)
+    {
+        const std::string value = FindOption(knob, values[Current]);
+        std::string row = "\"";
+        AppendCell(row, text(Name));
+        row += "\", \"";
+        AppendCell(row, value.c_str());
+        row += "\", \"";
+        AppendCell(row, text(Prompt));
+        row += "\", \"";
+        AppendCell(row, text(Description));
+        row += '"';
+        const xmlNodePtr node = xmlNewNode(nullptr, AsXml("Row"));
+        xmlNodeSetContent(node, AsXml(row.c_str()));
+        xmlAddChild(FindGroup(groups, text(Page)), node);
+    }
+    for (xmlChar *const value : values)
+        xmlFree(value);
+}
+
+xmlDocPtr BuildReport(const Groups &groups)
+{
+    const xmlDocPtr report = xmlNewDoc(nullptr);
+    const xmlNodePtr root = xmlNewNode(nullptr, AsXml("TreeItem"));
+    xmlDocSetRootElement(report, root);
+    xmlSetProp(root, AsXml("Name"), AsXml("BIOS Options"));
+    const xmlNodePtr tabs = xmlAddChild(root, xmlNewNode(nullptr, AsXml("TabControl")));
+    const xmlNodePtr tab = xmlAddChild(tabs, xmlNewNode(nullptr, AsXml("Tab")));
+    xmlSetProp(tab, AsXml("Name"), AsXml("Bios Options"));
+    const xmlNodePtr grid = xmlAddChild(tab, xmlNewNode(nullptr, AsXml("Grid")));
+    xmlNewChild(grid, nullptr, AsXml("Header"), AsXml("Name,Value,Prompt,Description"));
+    for (const auto &[name, group] : groups)
+    {
+        xmlAddChild(grid, group);
+        xmlSetProp(group, AsXml("Name"), AsXml(name.c_str()));
+    }
+    return report;
+}
+
+void WriteReport(const std::string &path, const std::string &report)
+{
+    std::FILE *const file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return;
+    std::size_t begin = 0;
+    for (std::size_t end = report.find('\n'); end != std::string::npos; end = report.find('\n', begin))
+    {
+        std::fwrite(report.data() + begin, 1, end - begin, file);
+        std::fputs("\r\n", file);
+        begin = end + 1;
+    }
+    std::fwrite(report.data() + begin, 1, report.size() - begin, file);
+    std::fclose(file);
+}
+
+} // namespace
+
+std::string HandWrittenReport(const std::string &dumpPath, const std::string &reportPath)
+{
+    const xmlDocPtr dump = ParseStripped(dumpPath);
+    Groups groups;
+    for (xmlNodePtr knob = xmlDocGetRootElement(dump)->children->children; knob; knob = knob->next)
+    {
+        if (knob->type == XML_ELEMENT_NODE)
+            AddRow(knob, groups);
+    }
+    xmlFreeDoc(dump);
+    const xmlDocPtr document = BuildReport(groups);
+    xmlChar *block = nullptr;
+    int size = 0;
+    xmlDocDumpMemory(document, &block, &size);
+    std::string report(reinterpret_cast<const char *>(block), static_cast<std::size_t>(size));
+    xmlFree(block);
+    xmlFreeDoc(document);
+    WriteReport(reportPath, report);
+    return report;
+}

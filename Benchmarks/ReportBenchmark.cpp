@@ -1,0 +1,236 @@
+// What a report costs, beside one hand-written function that makes the same library calls on the same data, and where
+// the time goes. The external tool is a program that does nothing; its dump lies ready.
+
+#include "BiosConfiguration.h"
+#include "GeneratedDump.h"
+#include "HandWrittenReport.h"
+#include "HeapMeter.h"
+#include "ModuleDataWriter.h"
+#include "Platform.h"
+#include "XMLReaderLib.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <libxml/parser.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr const char *kToolSubdirectory = "Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK";
+constexpr std::int64_t kSizes[] = {1000, 5000, 50000, 500000};
+
+void WriteBytes(const fs::path &path, const std::string &bytes)
+{
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+/// A machine with the tool's dump of so many options lying ready; gone again when the object is.
+class Machine
+{
+public:
+    explicit Machine(std::int64_t knobs)
+        : m_root(fs::temp_directory_path() / ("biosconfig-benchmark-" + std::to_string(knobs))),
+          m_tool(m_root / kToolSubdirectory)
+    {
+        fs::create_directories(m_tool / "FenrikBinary");
+        fs::create_directories(m_root / "ModuleData");
+        fs::copy_file("/bin/true", m_tool / "FenrikBinary/FenrikCmd.exe", fs::copy_options::overwrite_existing);
+        WriteBytes(DumpPath(), GenerateDump(static_cast<std::size_t>(knobs)));
+        WriteBytes(m_root / "CapsList.json", R"({"Tarnwell": {"CapabilityList": {"BIOS Options": [
+            {"Name": "bios", "Description": "All options"}]}}})");
+        setenv("ProgramFiles", m_root.c_str(), 1);
+    }
+    ~Machine() { fs::remove_all(m_root); }
+    Machine(const Machine &) = delete;
+    Machine &operator=(const Machine &) = delete;
+
+    std::string Directory() const { return m_root.string() + '/'; }
+    std::string DumpPath() const { return m_tool / "FenrikOutput.xml"; }
+    std::string ToolCommand() const { return '"' + (m_tool / "FenrikBinary/FenrikCmd.exe").string() + '"'; }
+
+private:
+    fs::path m_root;
+    fs::path m_tool;
+};
+
+/// The two runs of the tool that belong to a report.
+void RunTool(const Machine &machine)
+{
+    std::uint32_t exitCode = 0;
+    for (const char *command : {" fenrikstatus", " savexml"})
+        Platform::RunCommand(machine.ToolCommand() + command, exitCode);
+}
+
+std::string ModuleReport(BiosConfigModule &module)
+{
+    constexpr OutputKind kind = OutputKind::UiXml;
+    std::string report;
+    module.GetData("bios", &kind, &report);
+    return report;
+}
+
+std::string HandWritten(const Machine &machine)
+{
+    RunTool(machine);
+    return HandWrittenReport(machine.DumpPath(), machine.Directory() + "ModuleData/hand_UI_XML");
+}
+
+double Seconds(const auto &work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> values)
+{
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+std::int64_t PeakBytes(const auto &work)
+{
+    const HeapMeter meter;
+    work();
+    return meter.PeakBytes();
+}
+
+void InitModule(BiosConfigModule &module, const Machine &machine)
+{
+    std::vector<Cap *> caps;
+    module.InitModule(caps, {{"toolxmlpath", machine.Directory()}});
+    for (const Cap *cap : caps)
+        delete cap;
+}
+
+/// GetData and the hand-written function in turn, so that both see the same machine; the counters give the medians'
+/// ratio, the peak memory's, and the time per option.
+void ReportAgainstHandWritten(benchmark::State &state)
+{
+    const Machine machine(state.range(0));
+    BiosConfigModule module;
+    InitModule(module, machine);
+    if (ModuleReport(module) != HandWritten(machine))
+    {
+        state.SkipWithError("the two reports differ");
+        return;
+    }
+    std::vector<double> moduleTimes;
+    std::vector<double> handTimes;
+    for (auto _ : state)
+    {
+        moduleTimes.push_back(Seconds([&] { ModuleReport(module); }));
+        handTimes.push_back(Seconds([&] { HandWritten(machine); }));
+        state.SetIterationTime(moduleTimes.back());
+    }
+    const auto modulePeak = PeakBytes([&] { ModuleReport(module); });
+    const auto handPeak = PeakBytes([&] { HandWritten(machine); });
+    state.counters["time_ratio"] = Median(moduleTimes) / Median(handTimes);
+    state.counters["peak_ratio"] = static_cast<double>(modulePeak) / static_cast<double>(handPeak);
+    state.counters["ns_per_option"] = Median(moduleTimes) * 1e9 / static_cast<double>(state.range(0));
+    state.counters["bytes_per_option"] = static_cast<double>(modulePeak) / static_cast<double>(state.range(0));
+}
+
+/// The bare library call that the reading of a dump cannot do without.
+void ParseAlone(benchmark::State &state)
+{
+    const std::string dump = GenerateDump(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state)
+        xmlFreeDoc(xmlRecoverMemory(dump.data(), static_cast<int>(dump.size())));
+}
+
+void ToolRuns(benchmark::State &state)
+{
+    const Machine machine(state.range(0));
+    for (auto _ : state)
+        RunTool(machine);
+}
+
+/// The dump from the file to the text that is parsed.
+void ReadFile(benchmark::State &state)
+{
+    const Machine machine(state.range(0));
+    std::string text;
+    for (auto _ : state)
+        Platform::ReadTextFile(machine.DumpPath(), text);
+}
+
+/// Reading, parsing and turning the tree into records, with one run of the tool.
+void Records(benchmark::State &state)
+{
+    const Machine machine(state.range(0));
+    std::string extra;
+    biosConfigurationLibInit("", extra);
+    for (auto _ : state)
+    {
+        KnobList knobs;
+        readKnob(knobs, "");
+        benchmark::DoNotOptimize(knobs);
+    }
+}
+
+std::vector<std::string> MakeRows(std::int64_t count)
+{
+    std::vector<std::string> rows;
+    for (std::int64_t index = 0; index < count; ++index)
+        rows.push_back("\"Knob" + std::to_string(index) + "\", \"Level 2\", \"Link speed & width\", \"" +
+                       std::string(180, 'd') + '"');
+    return rows;
+}
+
+/// The writer alone, from the first row to the finished text.
+void Writer(benchmark::State &state)
+{
+    const std::vector<std::string> rows = MakeRows(state.range(0));
+    for (auto _ : state)
+    {
+        const ModuleDataWriterOwner writer(CreateModuleDataWriter(OutputKind::UiXml));
+        writer->Initialize("BIOS Options", "");
+        writer->AddTab("Bios Options", "Name,Value,Prompt,Description");
+        writer->AddGroup("Main");
+        for (const std::string &row : rows)
+            writer->AddRow(row);
+        std::string report;
+        writer->CopyDataToBuffer(report);
+        writer->UnInitialize();
+        benchmark::DoNotOptimize(report);
+    }
+}
+
+void WriteFile(benchmark::State &state)
+{
+    const Machine machine(1);
+    const std::string report(static_cast<std::size_t>(state.range(0)) * 300, 'x');
+    for (auto _ : state)
+    {
+        Platform::TextFileWriter file;
+        file.Open(machine.Directory() + "report");
+        file.Write(report);
+        file.Close();
+    }
+}
+
+void Sizes(benchmark::internal::Benchmark *benchmark)
+{
+    for (const std::int64_t size : kSizes)
+        benchmark->Arg(size);
+    benchmark->Unit(benchmark::kMillisecond);
+}
+
+BENCHMARK(ReportAgainstHandWritten)->Apply(Sizes)->UseManualTime()->MinTime(3.0);
+BENCHMARK(ToolRuns)->Arg(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFile)->Apply(Sizes);
+BENCHMARK(ParseAlone)->Apply(Sizes);
+BENCHMARK(Records)->Apply(Sizes);
+BENCHMARK(Writer)->Apply(Sizes);
+BENCHMARK(WriteFile)->Apply(Sizes);
+
+} // namespace
+
+BENCHMARK_MAIN();
