@@ -103,13 +103,7 @@ std::vector<std::string_view> ModuleDataWriter::SplitViews(std::string_view text
 {
     std::vector<std::string_view> pieces;
     pieces.reserve(kUsualPieces);
-    std::size_t begin = 0;
-    for (std::size_t found = text.find(separator); found != std::string_view::npos; found = text.find(separator, begin))
-    {
-        pieces.push_back(text.substr(begin, found - begin));
-        begin = found + separator.size();
-    }
-    pieces.push_back(text.substr(begin));
+    ForEachPiece(text, separator, [&pieces](std::string_view piece) { pieces.push_back(piece); });
     return pieces;
 }
 

@@ -55,6 +55,20 @@ public:
     /// The same without copying: the pieces are parts of `text`.
     static std::vector<std::string_view> SplitViews(std::string_view text, std::string_view separator);
 
+    /// The same one by one: calls `visit` with every piece, without any allocation.
+    template <typename Visit>
+    static void ForEachPiece(std::string_view text, std::string_view separator, const Visit &visit)
+    {
+        std::size_t begin = 0;
+        for (std::size_t found = text.find(separator); found != std::string_view::npos;
+             found = text.find(separator, begin))
+        {
+            visit(text.substr(begin, found - begin));
+            begin = found + separator.size();
+        }
+        visit(text.substr(begin));
+    }
+
     /// The pieces of a row between the cell separators, parts of `row`; of two or more the first without its first and
     /// the last without its last character. A single piece is the whole row.
     static std::vector<std::string_view> SplitRow(std::string_view row);

@@ -44,11 +44,14 @@ nlohmann::json ModuleLogJSONWriter::MakeItem(std::string_view row)
 {
     if (m_plainRows || IsPlainGroup())
         return std::string(row);
-    const std::vector<std::string_view> cells = SplitViews(row, kCellSeparator);
-    const std::size_t columns = std::min(cells.size(), m_headers.size());
     json::object_t item;
-    for (std::size_t column = 0; column < columns; ++column)
-        item.insert_or_assign(m_headers[column], std::string(cells[column]));
+    auto name = m_headers.begin();
+    const auto add = [&](std::string_view cell)
+    {
+        if (name != m_headers.end())
+            item.insert_or_assign(*name++, std::string(cell));
+    };
+    ForEachPiece(row, kCellSeparator, add);
     return item;
 }
 

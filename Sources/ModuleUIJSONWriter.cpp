@@ -47,10 +47,8 @@ nlohmann::json ModuleUIJSONWriter::MakeItem(std::string_view row)
 {
     if (m_plainRows)
         return json::object({{m_headers.empty() ? "" : m_headers.front(), std::string(row)}});
-    const std::vector<std::string_view> cells = SplitViews(row, kCellSeparator);
     json::array_t item;
-    item.reserve(cells.size());
-    for (const std::string_view cell : cells)
-        item.emplace_back(std::string(cell));
+    item.reserve(m_headers.size());
+    ForEachPiece(row, kCellSeparator, [&item](std::string_view cell) { item.emplace_back(std::string(cell)); });
     return item;
 }

@@ -69,7 +69,8 @@ public:
     Status AddRow(std::string rowContent) override
     {
         const std::string row = rowContent.size() < 2 ? "" : rowContent.substr(1, rowContent.size() - 2);
-        m_items.push_back(m_isUi ? UiItem(row) : LogItem(row));
+        const json item = m_isUi ? UiItem(row) : LogItem(row);
+        m_items.push_back(item);
         return StatusCode::Success;
     }
 
