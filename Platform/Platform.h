@@ -72,6 +72,10 @@ private:
     int m_savedOutput;
 };
 
+/// From now on what the program writes to standard output goes out byte for byte.
+/// Windows: _setmode. POSIX: nothing to do.
+void StandardOutputAsBytes();
+
 // Environment
 
 /// Stores the value of the environment variable `name`. Returns false, with `value` unchanged, when the variable is

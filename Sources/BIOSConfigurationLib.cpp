@@ -33,7 +33,7 @@ DebugHandle_t *libDebugHandle = nullptr;
 struct KnobAttribute
 {
     const char *name;
-    std::string KnobDetails::*field;
+    KnobDetails::Text KnobDetails::*field;
 };
 
 constexpr KnobAttribute knobAttributeNames[] = {
@@ -179,7 +179,7 @@ void HoldAttribute(xmlNodePtr option, const char *attributeName, std::string &he
         held = value.get();
 }
 
-void ReadOptions(xmlNodePtr knobNode, std::map<std::string, std::string> &options)
+void ReadOptions(xmlNodePtr knobNode, std::pmr::map<KnobDetails::Text, KnobDetails::Text> &options)
 {
     const xmlNodePtr list = CCXmlGetNextNodeChild(knobNode, nullptr);
     std::string text;
@@ -189,7 +189,7 @@ void ReadOptions(xmlNodePtr knobNode, std::map<std::string, std::string> &option
         HoldAttribute(option, "text", text);
         HoldAttribute(option, "value", value);
         if (!text.empty() && !value.empty())
-            options.try_emplace(text, value);
+            options.emplace(text, value);
     }
 }
 
@@ -201,19 +201,30 @@ xmlNodePtr FindKnobs(xmlNodePtr root)
     return child;
 }
 
+/// Takes a node of the dump for a knob, if it is one.
+void CollectKnob(xmlNodePtr node, KnobList &knobs)
+{
+    if (HasName(node, "comment"))
+        return;
+    const Status status = getknobDetails(node, knobs.Append());
+    if (status == StatusCode::NoMemory)
+        throw std::bad_alloc();
+    if (status != StatusCode::Success)
+        knobs.RemoveLast();
+}
+
+/// Turns the dump's knobs into records. Each knob's part of the tree is freed as soon as it has been read, while it is
+/// still in the cache.
 KnobList CollectKnobs(xmlNodePtr knobsNode)
 {
     KnobList knobs;
-    for (xmlNodePtr node = CCXmlGetNextNodeChild(knobsNode, nullptr); node;
-         node = CCXmlGetNextNodeChild(knobsNode, node))
+    xmlNodePtr node = CCXmlGetNextNodeChild(knobsNode, nullptr);
+    while (node)
     {
-        if (HasName(node, "comment"))
-            continue;
-        const Status status = getknobDetails(node, knobs.emplace_back());
-        if (status == StatusCode::NoMemory)
-            throw std::bad_alloc();
-        if (status != StatusCode::Success)
-            knobs.pop_back();
+        CollectKnob(node, knobs);
+        const xmlNodePtr next = CCXmlGetNextNodeChild(knobsNode, node);
+        CCXmlFreeNode(node);
+        node = next;
     }
     return knobs;
 }
@@ -222,14 +233,14 @@ KnobList CollectKnobs(xmlNodePtr knobsNode)
 void AppendNamedKnobs(const KnobList &all, const std::vector<std::string> &names, KnobList &knobs)
 {
     std::unordered_map<std::string_view, const KnobDetails *> firstOfName;
-    firstOfName.reserve(all.size());
+    firstOfName.reserve(all.Size());
     for (const KnobDetails &knob : all)
         firstOfName.try_emplace(knob.name, &knob);
     for (const std::string &name : names)
     {
         const auto found = firstOfName.find(name);
         if (found != firstOfName.end())
-            knobs.push_back(*found->second);
+            knobs.Append(*found->second);
     }
 }
 
@@ -271,13 +282,13 @@ Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::
     if (status != StatusCode::Success)
         return status;
     KnobList all = CollectKnobs(FindKnobs(root));
-    if (all.empty())
+    if (all.IsEmpty())
     {
         trace.Error("no knobs found\n");
         status = StatusCode::Failed;
     }
     if (listFile.empty())
-        knobs = std::move(all);
+        knobs.Swap(all);
     else
         AppendNamedKnobs(all, names, knobs);
     return status;
@@ -316,6 +327,42 @@ Status InitLibrary(FunctionTrace &trace)
 }
 
 } // namespace
+
+KnobDetails::KnobDetails(std::pmr::memory_resource *memory)
+    : type(memory), setupType(memory), name(memory), varstoreIndex(memory), prompt(memory), description(memory),
+      UqiVal(memory), size(memory), offset(memory), depex(memory), SetupPgPtr(memory), defaultValue(memory),
+      CurrentVal(memory), options(memory)
+{
+}
+
+KnobDetails &KnobList::Append()
+{
+    if (!m_memory)
+        m_memory = std::make_unique<std::pmr::monotonic_buffer_resource>();
+    return m_knobs.emplace_back(m_memory.get());
+}
+
+void KnobList::Append(const KnobDetails &knob)
+{
+    m_knobs.push_back(knob);
+}
+
+void KnobList::RemoveLast()
+{
+    m_knobs.pop_back();
+}
+
+void KnobList::Clear()
+{
+    m_knobs.clear();
+    m_memory.reset();
+}
+
+void KnobList::Swap(KnobList &other) noexcept
+{
+    m_memory.swap(other.m_memory);
+    m_knobs.swap(other.m_knobs);
+}
 
 Status GetEnvironmentalVaribaleBiosLib(std::string variableName, std::string &path)
 {

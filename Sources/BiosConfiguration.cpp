@@ -104,7 +104,7 @@ std::string BiosConfigModule::GetModuleName()
 Status BiosConfigModule::Initialize()
 {
     m_itemIndex = 0;
-    m_knobs.clear();
+    m_knobs.Clear();
     return WithoutExceptions(
         []
         {
@@ -115,7 +115,7 @@ Status BiosConfigModule::Initialize()
 
 Status BiosConfigModule::UnInitialize()
 {
-    m_knobs.clear();
+    m_knobs.Clear();
     m_groups.clear();
     m_itemIndex = 0;
     return StatusCode::Success;

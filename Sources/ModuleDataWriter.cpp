@@ -10,6 +10,7 @@
 #include "Platform.h"
 #include "PrintableAscii.h"
 
+#include <algorithm>
 #include <array>
 
 namespace
@@ -88,8 +89,18 @@ std::string ModuleDataWriter::SanitizeText(std::string text)
         return text;
     std::string result;
     result.reserve(text.size());
-    for (const char16_t unit : Platform::Utf8ToUtf16(text))
-        AppendUnit(result, IsControl(unit) ? u'.' : unit);
+    // Pieces between plain characters can be decoded one by one: no sequence, well-formed or not, reaches across one.
+    auto position = text.cbegin();
+    while (position != text.cend())
+    {
+        const auto plain = position;
+        position = std::find_if_not(plain, text.cend(), IsPrintableAsciiCharacter);
+        const auto other = position;
+        position = std::find_if(other, text.cend(), IsPrintableAsciiCharacter);
+        result.append(plain, other);
+        for (const char16_t unit : Platform::Utf8ToUtf16({other, position}))
+            AppendUnit(result, IsControl(unit) ? u'.' : unit);
+    }
     return result;
 }
 

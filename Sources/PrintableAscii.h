@@ -2,12 +2,18 @@
 
 #include <string_view>
 
-/// Whether a text holds only the characters 32 to 127, which every step on the way into a document leaves as they are.
-/// Most texts do, and this test costs next to nothing: the loop has no early way out, so that it runs on vectors.
+/// Whether a character is one of 32 to 127, which every step on the way into a document leaves as they are.
+constexpr bool IsPrintableAsciiCharacter(char character)
+{
+    return static_cast<unsigned char>(character - ' ') <= 127 - ' ';
+}
+
+/// Whether a text holds only such characters. Most do, and this test costs next to nothing: the loop has no early way
+/// out, so that it runs on vectors.
 inline bool IsPrintableAscii(std::string_view text)
 {
-    unsigned other = 0;
+    unsigned char other = 0;
     for (const char character : text)
-        other |= static_cast<unsigned>(static_cast<unsigned char>(character - ' ') > 127 - ' ');
+        other = static_cast<unsigned char>(other | static_cast<unsigned char>(!IsPrintableAsciiCharacter(character)));
     return other == 0;
 }

@@ -60,11 +60,6 @@ struct FreeXmlMemory
     void operator()(xmlChar *memory) const { xmlFree(memory); }
 };
 
-bool IsPlain(xmlChar character)
-{
-    return character >= ' ' && character <= 127;
-}
-
 bool IsHighSurrogate(int character)
 {
     return character >= 0xD800 && character < 0xDC00;
@@ -106,7 +101,8 @@ std::string MakeXmlText(std::string text)
     while (position != end)
     {
         const xmlChar *const plain = position;
-        position = std::find_if_not(position, end, IsPlain);
+        position = std::find_if_not(
+            position, end, [](xmlChar character) { return IsPrintableAsciiCharacter(static_cast<char>(character)); });
         result.append(reinterpret_cast<const char *>(plain), static_cast<std::size_t>(position - plain));
         if (position == end)
             break;
@@ -398,6 +394,12 @@ Status CCXmlFreeDocPtr(xmlDocPtr document)
     }
     xmlFreeDoc(document);
     return StatusCode::Success;
+}
+
+void CCXmlFreeNode(xmlNodePtr node)
+{
+    xmlUnlinkNode(node);
+    xmlFreeNode(node);
 }
 
 char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)

@@ -1,135 +1,110 @@
-#include "DebugTrace.h"
+#include "ModuleSupport.h"
 #include "WriterScript.h"
-
-#include <typeindex>
 
 namespace
 {
 
-/// The lines of the failures that the writers of one kind know; no line where the operation accepts the call.
+using Pieces = std::vector<std::string>;
+
+TEST(ModuleDataWriter, SanitizesTexts)
+{
+    const struct
+    {
+        std::string text;
+        std::string expected;
+    } cases[] = {
+        {"", ""},
+        {"plain <&> \x7F", "plain <&> \x7F"},
+        {"\t\n\r\x1F", "...."},
+        {std::string("a\0b", 3), std::string("a\0b", 3)},
+        {"\xC3\xA9\xE2\x82\xAC", "\xC3\xA9\xE2\x82\xAC"},
+        {"x\xE9y", "x\xEF\xBF\xBDy"},
+        {"a\xF0\x9F\x98\x80z", "a\xED\xA0\xBD\xED\xB8\x80z"},
+        {"\xC3\x01\xC3", "\xEF\xBF\xBD.\xEF\xBF\xBD"},
+    };
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(ModuleDataWriter::SanitizeText(text), expected) << text;
+}
+
+TEST(ModuleDataWriter, SplitsAndReplaces)
+{
+    EXPECT_EQ(ModuleDataWriter::SplitString("\"A\", \"B\", \"C\"", "\", \""), (Pieces{"\"A", "B", "C\""}));
+    EXPECT_EQ(ModuleDataWriter::SplitString("", ","), Pieces{""});
+    EXPECT_EQ(ModuleDataWriter::SplitString("aaa", "aa"), (Pieces{"", "a"}));
+    EXPECT_EQ(ModuleDataWriter::SplitString("a,", ","), (Pieces{"a", ""}));
+    EXPECT_EQ(ModuleDataWriter::SplitByChar("", ','), Pieces{});
+    EXPECT_EQ(ModuleDataWriter::SplitByChar("a,,b,", ','), (Pieces{"a", "", "b"}));
+    EXPECT_EQ(ModuleDataWriter::SplitByChar(",", ','), Pieces{""});
+    EXPECT_EQ(ModuleDataWriter::ReplaceAll("A B  C", " ", "_"), "A_B__C");
+    EXPECT_EQ(ModuleDataWriter::ReplaceAll("aa", "a", "aa"), "aaaa");
+    EXPECT_EQ(ModuleDataWriter::ToDecimalString(4294967295U), "4294967295");
+}
+
+TEST(ModuleDataWriter, FactoryKnowsEveryKind)
+{
+    for (std::size_t kind = 0; kind <= 255; ++kind)
+    {
+        const bool known = kind < std::size(kWriterClasses);
+        const TestSupport::TraceLog log(known ? kWriterClasses[kind] : "");
+        const bool made = ModuleDataWriterOwner(CreateModuleDataWriter(static_cast<OutputKind>(kind))) != nullptr;
+        EXPECT_EQ(made, known) << kind;
+        const std::string name = known ? kWriterClasses[kind] : "";
+        const std::string function = " Fn:" + name + "::";
+        const std::vector<std::string> lines = {" --> " + function + name + " \n", " <-- " + function + name + " \n",
+                                                " --> " + function + "~" + name + " \n",
+                                                " <-- " + function + "~" + name + " \n"};
+        EXPECT_EQ(TestSupport::TraceLog::Take(), known ? lines : std::vector<std::string>()) << kind;
+    }
+    DestroyModuleDataWriter(nullptr);
+}
+
+/// The lines of the failures that the writers of one kind know; none where the operation takes the call.
 struct FailureLines
 {
     OutputKind kind;
     const char *noModuleName;
-    const char *noSubModName;
     const char *noTabOrHeader;
     const char *noGroupName;
-    const char *noRow;
     const char *notInitialized;
     const char *rowNotInitialized;
 };
 
 constexpr FailureLines kFailureLines[] = {
-    {OutputKind::UiXml, "moduleName is empty\n", "subModName is empty\n", "empty parameter(s)\n", "",
-     "rowContent is empty\n", "NULL Pointer:m_pDoc\n", "NULL Pointer(s)\n"},
-    {OutputKind::LogXml, "moduleName is empty\n", "subModName is empty\n", "NULL argument(s)\n", "",
-     "rowContent is empty\n", "NULL Pointer:m_pDoc\n", "NULL Pointer(s)\n"},
-    {OutputKind::LogHtml, "empty argument\n", "subModName is empty\n", "NULL Pointer(s)\n", "", "rowContent is empty\n",
-     "m_pBuff is empty\n", "m_pBuff is empty\n"},
-    {OutputKind::LogHtmlXml, "moduleName is empty\n", "subModName is empty\n", "NULL argument(s)\n",
-     "NULL argument(s)\n", "rowContent is empty\n", "", ""},
-    {OutputKind::LogJson, "", "", "", "", "", "", ""},
-    {OutputKind::UiJson, "", "", "", "", "", "", ""},
+    {OutputKind::LogXml, "moduleName is empty\n", "NULL argument(s)\n", "", "NULL Pointer:m_pDoc\n",
+     "NULL Pointer(s)\n"},
+    {OutputKind::LogHtml, "empty argument\n", "NULL Pointer(s)\n", "", "m_pBuff is empty\n", "m_pBuff is empty\n"},
+    {OutputKind::LogHtmlXml, "moduleName is empty\n", "NULL argument(s)\n", "NULL argument(s)\n", "", ""},
 };
 
-WriterCall Expect(const WriterCall &call, Status failure, const std::string &line)
+std::vector<WriterCall> CallsWithoutDocument(const FailureLines &lines)
 {
-    return line.empty() ? call : call.Fails(failure, line);
-}
-
-/// Every operation that needs a document.
-std::vector<WriterCall> Uninitialized(const FailureLines &lines)
-{
-    const auto missing = [](const WriterCall &call, const char *line)
-    { return Expect(call, StatusCode::Missing, line); };
+    const auto missing = [](const WriterCall &call, const std::string &line)
+    { return line.empty() ? call : call.Fails(StatusCode::Missing, line); };
     return {missing(SubMod("S"), lines.notInitialized), missing(Tab("T", "a"), lines.notInitialized),
             missing(Group("G"), lines.notInitialized),  missing(Row("\"A\""), lines.rowNotInitialized),
             missing(Copy(), lines.notInitialized),      missing(UnInit(), lines.notInitialized)};
 }
 
-/// Every argument that may be refused; the document must not change.
-std::vector<WriterCall> EmptyArguments(const FailureLines &lines)
-{
-    const auto empty = [](const WriterCall &call, const char *line)
-    { return Expect(call, StatusCode::NotFound, line); };
-    return {empty(Init(""), lines.noModuleName), empty(SubMod(""), lines.noSubModName),
-            empty(Tab("", "a"), lines.noTabOrHeader), empty(Tab("T", ""), lines.noTabOrHeader),
-            empty(Row(""), lines.noRow)};
-}
-
-TEST(ModuleDataWriter, Failures)
+TEST(ModuleDataWriter, RefusesWhatIsMissingWithItsLine)
 {
     for (const FailureLines &lines : kFailureLines)
     {
-        SCOPED_TRACE(kWriterComponents[static_cast<std::size_t>(lines.kind)]);
-        std::vector<WriterCall> calls = Uninitialized(lines);
+        std::vector<WriterCall> calls = CallsWithoutDocument(lines);
         RunWriter(lines.kind, calls);
         calls.insert(calls.begin(), {Init("M"), UnInit()});
         RunWriter(lines.kind, calls);
 
-        const std::vector<WriterCall> report = {Init("M"), Tab("T", "a"), Group("G"), Row("\"A\"")};
-        std::vector<WriterCall> refused = report;
-        for (const WriterCall &call : EmptyArguments(lines))
-        {
-            if (call.status != StatusCode::Success)
-                refused.push_back(call);
-            else
-                RunWriter(lines.kind, {call});
-        }
-        EXPECT_EQ(RunWriter(lines.kind, refused), RunWriter(lines.kind, report));
-        RunWriter(lines.kind, {Init("M"), Tab("T", "a"), Expect(Group(""), StatusCode::NotFound, lines.noGroupName)});
+        calls = {Init("M"), Tab("T", "a"), Group("G"), Row("\"A\"")};
+        const std::string document = RunWriter(lines.kind, calls);
+        calls.push_back(Init("").Fails(StatusCode::NotFound, lines.noModuleName));
+        calls.push_back(SubMod("").Fails(StatusCode::NotFound, "subModName is empty\n"));
+        calls.push_back(Tab("", "a").Fails(StatusCode::NotFound, lines.noTabOrHeader));
+        calls.push_back(Tab("T", "").Fails(StatusCode::NotFound, lines.noTabOrHeader));
+        calls.push_back(Row("").Fails(StatusCode::NotFound, "rowContent is empty\n"));
+        if (*lines.noGroupName)
+            calls.push_back(Group("").Fails(StatusCode::NotFound, lines.noGroupName));
+        EXPECT_EQ(RunWriter(lines.kind, calls), document);
     }
-}
-
-TEST(ModuleDataWriter, OneClassPerPairOfKinds)
-{
-    for (unsigned kind = 0; kind < 8; kind += 2)
-    {
-        const ModuleDataWriterOwner first(CreateModuleDataWriter(static_cast<OutputKind>(kind)));
-        const ModuleDataWriterOwner second(CreateModuleDataWriter(static_cast<OutputKind>(kind + 1)));
-        EXPECT_EQ(std::type_index(typeid(*first)), std::type_index(typeid(*second))) << kind;
-    }
-    for (const unsigned kind : {10U, 255U})
-        EXPECT_EQ(CreateModuleDataWriter(static_cast<OutputKind>(kind)), nullptr);
-    DestroyModuleDataWriter(nullptr);
-}
-
-TEST(ModuleDataWriter, EveryOperationTracesItsWayInAndOut)
-{
-    for (const OutputKind kind : {OutputKind::UiXml, OutputKind::LogXml, OutputKind::LogHtml, OutputKind::LogHtmlXml,
-                                  OutputKind::LogJson, OutputKind::UiJson})
-    {
-        const std::string name = kWriterComponents[static_cast<std::size_t>(kind)];
-        const bool isJson = kind >= OutputKind::LogJson;
-        DebugHandle_t *handle = nullptr;
-        InitDebugHandle(name.c_str(), &handle);
-        handle->traceType = TRACE_ALL;
-        handle->traceFormat = FORMAT_FUNCTION;
-        testing::internal::CaptureStdout();
-        RunWriter(kind, {Init("M"), SubMod("S"), Tab("T", "a"), Group("G"), Row("\"A\"")});
-        const std::string lines = testing::internal::GetCapturedStdout();
-        UnInitDebugHandle(handle);
-        for (const std::string &operation :
-             std::vector<std::string>{name, "~" + name, "Initialize", "AddSubMod", "AddTab", "AddGroup", "AddRow",
-                                      "CopyDataToBuffer", "UnInitialize"})
-        {
-            const std::size_t traced = ModuleDataWriter::SplitString(lines, name + "::" + operation + " ").size() - 1;
-            EXPECT_EQ(traced, isJson && operation == "AddGroup" ? 1U : 2U) << name << "::" << operation << lines;
-        }
-    }
-}
-
-TEST(ModuleDataWriter, Texts)
-{
-    using Texts = std::vector<std::string>;
-    using Writer = ModuleDataWriter;
-    EXPECT_EQ(Writer::SanitizeText("a\tb\n\r\x7F\xC3\xA9\xE9 \xF0\x9F\x99\x82"),
-              "a.b..\x7F\xC3\xA9\xEF\xBF\xBD \xED\xA0\xBD\xED\xB9\x82");
-    EXPECT_EQ(Writer::SplitString("\"A\", \"B\", \"\"", "\", \""), (Texts{"\"A", "B", "\""}));
-    EXPECT_EQ(Writer::SplitString("", ","), Texts{""});
-    EXPECT_EQ(Writer::SplitByChar("a,,b,", ','), (Texts{"a", "", "b"}));
-    EXPECT_EQ(Writer::SplitByChar("", ','), Texts{});
-    EXPECT_EQ(Writer::ReplaceAll("A B  C", " ", "_ "), "A_ B_ _ C");
 }
 
 } // namespace

@@ -1,16 +1,21 @@
 #include "WriterScript.h"
 
-#include "DebugTrace.h"
+#include "ModuleSupport.h"
 
 namespace
 {
 
-std::string tracedFailure;
+using TestSupport::TraceLog;
 
-Status KeepMessage(std::uint32_t /*level*/, const char *message, std::uint32_t /*size*/)
+/// What a call must trace: its way in and its way out. A JSON writer adds a group without the latter.
+std::vector<std::string> TraceOf(const WriterCall &call, const std::string &writerClass)
 {
-    tracedFailure = message;
-    return StatusCode::Success;
+    const std::string function = " Fn:" + writerClass + "::" + call.operation + " ";
+    const std::string out = call.line.empty() ? " <-- " + function + "\n" : " **ERROR**  <-- " + function + call.line;
+    const bool isJSON = writerClass.find("JSON") != std::string::npos;
+    if (isJSON && call.operation == std::string("AddGroup"))
+        return {" --> " + function + "\n"};
+    return {" --> " + function + "\n", out};
 }
 
 } // namespace
@@ -18,20 +23,16 @@ Status KeepMessage(std::uint32_t /*level*/, const char *message, std::uint32_t /
 std::string RunWriter(OutputKind kind, const std::vector<WriterCall> &calls)
 {
     const ModuleDataWriterOwner writer(CreateModuleDataWriter(kind));
-    DebugHandle_t *handle = nullptr;
-    InitDebugHandle(kWriterComponents[static_cast<std::size_t>(kind)], &handle);
-    handle->callback = KeepMessage;
-    handle->callbackMask = TRACE_ERROR;
-
+    const char *const writerClass = kWriterClasses[static_cast<std::size_t>(kind)];
+    const TraceLog log(writerClass);
     std::string buffer = "before";
     for (std::size_t index = 0; index < calls.size(); ++index)
     {
-        tracedFailure.clear();
-        EXPECT_EQ(calls[index].make(*writer, buffer), calls[index].status) << "call " << index;
-        EXPECT_EQ(tracedFailure, calls[index].line) << "call " << index;
+        TraceLog::Take();
+        EXPECT_EQ(calls[index].make(*writer, buffer), calls[index].status) << writerClass << ", call " << index;
+        EXPECT_EQ(TraceLog::Take(), TraceOf(calls[index], writerClass)) << "call " << index;
     }
     writer->CopyDataToBuffer(buffer);
     writer->UnInitialize();
-    UnInitDebugHandle(handle);
     return buffer;
 }

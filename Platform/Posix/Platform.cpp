@@ -129,6 +129,8 @@ StandardOutputToError::~StandardOutputToError()
     close(m_savedOutput);
 }
 
+void StandardOutputAsBytes() {}
+
 bool ReadEnvironmentVariable(const std::string &name, std::string &value)
 {
     const char *const found = std::getenv(name.c_str());

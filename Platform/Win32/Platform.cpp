@@ -91,6 +91,12 @@ StandardOutputToError::~StandardOutputToError()
     _close(m_savedOutput);
 }
 
+void StandardOutputAsBytes()
+{
+    std::fflush(stdout);
+    _setmode(_fileno(stdout), _O_BINARY);
+}
+
 bool ReadEnvironmentVariable(const std::string &name, std::string &value)
 {
     const DWORD size = GetEnvironmentVariableA(name.c_str(), nullptr, 0);

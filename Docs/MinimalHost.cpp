@@ -1,0 +1,61 @@
+// A complete host: loads the module, shows its capabilities and prints one report.
+// Usage: MinimalHost MODULE-FILE TOOL-DIRECTORY, the directory with its final separator.
+
+#include "BiosConfigModule.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#ifdef _WIN32
+#include <windows.h>
+
+template <typename Function>
+Function *FindExport(const char *file, const char *name)
+{
+    const HMODULE library = LoadLibraryA(file);
+    return library ? reinterpret_cast<Function *>(GetProcAddress(library, name)) : nullptr;
+}
+#else
+#include <dlfcn.h>
+
+template <typename Function>
+Function *FindExport(const char *file, const char *name)
+{
+    void *const library = dlopen(file, RTLD_NOW | RTLD_LOCAL);
+    return library ? reinterpret_cast<Function *>(dlsym(library, name)) : nullptr;
+}
+#endif
+
+int main(int argumentCount, char **arguments)
+{
+    if (argumentCount != 3)
+        return 2;
+
+    // The library stays loaded until the process ends.
+    auto *const create = FindExport<decltype(CreateBiosConfigModule)>(arguments[1], "CreateBiosConfigModule");
+    auto *const destroy = FindExport<decltype(DestroyBiosConfigModule)>(arguments[1], "DestroyBiosConfigModule");
+    if (!create || !destroy)
+        return 1;
+    const std::unique_ptr<BaseModule, decltype(destroy)> module(create(), destroy);
+    if (!module)
+        return 1;
+
+    // The records are the host's from now on, whatever the status.
+    std::vector<Cap *> records;
+    const Status initialised = module->InitModule(records, {{"toolxmlpath", arguments[2]}});
+    const std::vector<std::unique_ptr<Cap>> capabilities(records.begin(), records.end());
+    if (initialised != StatusCode::Success)
+        return 1;
+    for (const auto &capability : capabilities)
+        std::cerr << module->GetModuleName() << ": " << capability->names.front() << "\n";
+
+    // Success alone does not say that the report could be made: Error.xml tells.
+    const OutputKind kind = OutputKind::UiXml;
+    std::string report;
+    const Status status = module->GetData("all", &kind, &report);
+    std::cout << report;
+    module->UnInitModule();
+    return status == StatusCode::Success && !report.empty() ? 0 : 1;
+}

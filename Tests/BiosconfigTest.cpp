@@ -1,0 +1,168 @@
+#include "Platform.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using TestSupport::EnvironmentSetting;
+using TestSupport::ReadFile;
+using TestSupport::WriteFile;
+
+constexpr const char *kToolPlace =
+    "Program Files/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary/";
+
+struct Outcome
+{
+    std::uint32_t exitCode = Platform::kUnknownExitCode;
+    std::string output;
+    std::string messages;
+};
+
+Outcome RunCaptured(const std::string &commandLine)
+{
+    Outcome outcome;
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    Platform::RunCommand(commandLine, outcome.exitCode);
+    outcome.output = testing::internal::GetCapturedStdout();
+    outcome.messages = testing::internal::GetCapturedStderr();
+    return outcome;
+}
+
+Outcome RunBiosconfig(const std::string &arguments)
+{
+    return RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
+}
+
+/// A report file's text as it was in the module's buffer.
+std::string BufferOf(const std::string &reportFile)
+{
+    std::string text;
+    EXPECT_TRUE(Platform::ReadTextFile(reportFile, text)) << reportFile;
+    return text;
+}
+
+std::ptrdiff_t FilesIn(const std::string &directory)
+{
+    return std::distance(fs::directory_iterator(directory), {});
+}
+
+/// Works in a directory of its own, which holds an installed external tool and the tool directory "tools".
+class BiosconfigTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        fs::current_path(m_directory.Path(""));
+        fs::create_directories("tools/ModuleData");
+        fs::create_directory("out");
+        fs::copy(EXAMPLE_CAPABILITIES, "tools/CapsList.json");
+        fs::create_directories(kToolPlace);
+        fs::copy(FENRIKCMD_PROGRAM, std::string(kToolPlace) + "FenrikCmd.exe");
+    }
+
+    void TearDown() override { fs::current_path(fs::temp_directory_path()); }
+
+    TestSupport::TemporaryDirectory m_directory;
+    TestSupport::EnvironmentSetting m_programFiles{"ProgramFiles", m_directory.Path("Program Files")};
+};
+
+TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
+{
+    const Outcome outcome = RunBiosconfig("report --tool-dir tools");
+    EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
+    EXPECT_TRUE(outcome.output.starts_with("<?xml version=\"1.0\"?>\n<TreeItem Name=\"BIOS Options\">"));
+    EXPECT_EQ(outcome.output, BufferOf("tools/ModuleData/bios options_UI_XML"));
+    EXPECT_NE(outcome.messages.find("The BIOS interface is enabled"), std::string::npos) << outcome.messages;
+}
+
+TEST_F(BiosconfigTest, ReplacesTheOutputFileAndLeavesNothingBeside)
+{
+    WriteFile("out/report.xml", "old");
+    const Outcome outcome = RunBiosconfig("report --tool-dir tools --option \"bios options\" -o out/report.xml");
+    EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(ReadFile("out/report.xml"), BufferOf("tools/ModuleData/bios options_UI_XML"));
+    EXPECT_EQ(FilesIn("out"), 1);
+}
+
+TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRunOnly)
+{
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
+    WriteFile("out/report.xml", "old");
+    WriteFile("tools/Error.xml", "<Tool><Error><Message Name=\"Earlier\"/></Error></Tool>");
+    const Outcome toFile = RunBiosconfig("report --tool-dir tools -o out/report.xml");
+    const Outcome toOutput = RunBiosconfig("report --tool-dir tools");
+
+    EXPECT_EQ(toFile.exitCode, 1U);
+    EXPECT_EQ(ReadFile("out/report.xml"), "old");
+    EXPECT_EQ(FilesIn("out"), 1);
+    EXPECT_EQ(toOutput.exitCode, 1U);
+    EXPECT_NE(toOutput.output.find("FENRIK is not enabled on this platform"), std::string::npos);
+    for (const std::string &messages : {toFile.messages, toOutput.messages})
+    {
+        EXPECT_NE(messages.find("recorded 1 error in tools/Error.xml"), std::string::npos) << messages;
+        EXPECT_NE(messages.find("  Failed to initialise (BiosConfigModule - GetData), "), std::string::npos);
+        EXPECT_EQ(messages.find("Earlier"), std::string::npos) << messages;
+    }
+}
+
+TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
+{
+    const EnvironmentSetting toolDirectory("BIOSCONFIG_TOOL_DIR", "tools/");
+    const Outcome outcome = RunBiosconfig("capabilities");
+    EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
+    EXPECT_EQ(outcome.output, "bios options\tAll setup options of this machine's BIOS\n");
+}
+
+TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
+{
+    const Outcome outcome = RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
+    EXPECT_EQ(outcome.exitCode, 0U);
+    EXPECT_EQ(outcome.messages, "BIOS Options: bios options\n");
+    EXPECT_TRUE(outcome.output.ends_with(BufferOf("tools/ModuleData/bios options_UI_XML")));
+}
+
+struct BadCall
+{
+    const char *arguments;
+    std::uint32_t exitCode;
+    const char *message;
+};
+
+constexpr BadCall kBadCalls[] = {
+    {"", 2, "subcommand is required"},
+    {"report --tool-dir tools --bogus", 2, "--bogus"},
+    {"report --tool-dir tools --format pdf", 2, "pdf not in {ui-xml,"},
+    {"report --tool-dir tools --option other", 2, "does not offer the option \"other\""},
+    {"report --tool-dir tools --format log-json", 1, "gives no report of that kind: log-json"},
+    {"report --tool-dir tools --module missing", 3, "missing: cannot open"},
+    {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", 3, "lacks the module's exports"},
+    {"report --tool-dir missing", 4, "no tool directory \"missing\""},
+    {"report --tool-dir bare", 4, "Failed to read data from Capability List (BiosConfigModule - InitModule), "},
+    {"report --tool-dir locked", 4, "could not record errors"},
+    {"report --tool-dir tools -o missing/report.xml", 5, "cannot write the output file missing/report.xml"},
+    {"report --tool-dir tools -o bare", 5, "cannot write the output file bare"},
+};
+
+TEST_F(BiosconfigTest, BadCallsGetAMessageAndTheirExitCode)
+{
+    fs::create_directory("bare");
+    fs::create_directories("locked/Error.xml");
+    for (const BadCall &call : kBadCalls)
+    {
+        const Outcome outcome = RunBiosconfig(call.arguments);
+        EXPECT_EQ(outcome.exitCode, call.exitCode) << call.arguments;
+        EXPECT_EQ(outcome.output, "") << call.arguments;
+        EXPECT_NE(outcome.messages.find(call.message), std::string::npos) << call.arguments << ": " << outcome.messages;
+    }
+}
+
+} // namespace

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Fault.h"
+
+#include <span>
+#include <string>
+
+/// What a command is run with.
+struct Invocation
+{
+    /// Empty for a command without an argument.
+    std::string argument;
+    Fault fault;
+};
+
+/// A command of the tool. `run` throws ToolError when it fails.
+struct Command
+{
+    const char *name;
+    /// What the argument is called in the help; null for a command without one.
+    const char *argument;
+    const char *help;
+    void (*run)(const Invocation &invocation);
+};
+
+extern const std::span<const Command> kCommands;

@@ -1,0 +1,131 @@
+#include "Arguments.h"
+
+#include "BiosConfigModule.h"
+#include "Platform.h"
+
+#include <CLI/CLI.hpp>
+
+#include <string_view>
+#include <vector>
+
+namespace
+{
+
+struct Format
+{
+    std::string_view name;
+    OutputKind kind;
+};
+
+constexpr Format kFormats[] = {{"ui-xml", OutputKind::UiXml},     {"log-xml", OutputKind::LogXml},
+                               {"log-html", OutputKind::LogHtml}, {"log-html-xml", OutputKind::LogHtmlXml},
+                               {"log-json", OutputKind::LogJson}, {"ui-json", OutputKind::UiJson}};
+
+constexpr const char *kEnvironmentHelp = R"(
+The module runs an external tool that it finds through the environment variable ProgramFiles:
+  <ProgramFiles>/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary/FenrikCmd.exe
+In the tool directory it reads CapsList.json and records errors in Error.xml; a copy of each report goes into
+the folder ModuleData there, if that folder exists.
+
+Data goes to standard output; messages, traces and what the external tool prints go to standard error.
+)";
+
+constexpr const char *kExampleHelp = R"(
+Example:
+  ProgramFiles=/opt/programs biosconfig report --tool-dir /opt/tarnwell --format ui-xml -o bios.xml)";
+
+std::vector<std::string> FormatNames()
+{
+    std::vector<std::string> names;
+    for (const Format &format : kFormats)
+        names.emplace_back(format.name);
+    return names;
+}
+
+OutputKind KindOf(std::string_view formatName)
+{
+    for (const Format &format : kFormats)
+    {
+        if (format.name == formatName)
+            return format.kind;
+    }
+    throw Failure(ExitCode::WrongUsage, "unknown format " + std::string(formatName));
+}
+
+std::string Footer()
+{
+    std::string footer = kEnvironmentHelp;
+    footer += "\nExit codes:\n";
+    for (const ExitCodeMeaning &meaning : kExitCodeMeanings)
+        footer += "  " + std::to_string(static_cast<int>(meaning.code)) + "  " + meaning.text + "\n";
+    return footer + kExampleHelp;
+}
+
+void AddCommonOptions(CLI::App &command, Arguments &parsed)
+{
+    command
+        .add_option("--tool-dir", parsed.toolDirectory,
+                    "The host's tool directory; a final separator is added when it is missing")
+        ->envname("BIOSCONFIG_TOOL_DIR")
+        ->type_name("DIR")
+        ->capture_default_str();
+    command.add_option("--module", parsed.modulePath, "The module's file; without it the one beside this program")
+        ->envname("BIOSCONFIG_MODULE")
+        ->type_name("FILE");
+}
+
+void AddReportOptions(CLI::App &report, Arguments &parsed)
+{
+    report.add_option("--format", parsed.formatName, "The format of the report")
+        ->envname("BIOSCONFIG_FORMAT")
+        ->check(CLI::IsMember(FormatNames()))
+        ->type_name("NAME")
+        ->capture_default_str();
+    report.add_option("--option", parsed.option, "A capability's name, or \"all\" for the first one")
+        ->type_name("NAME")
+        ->capture_default_str();
+    report
+        .add_option("-o,--output", parsed.outputPath,
+                    "Where the report goes, \"-\" is standard output; an existing file is replaced in one step, and "
+                    "only when the exit code is 0")
+        ->type_name("FILE")
+        ->capture_default_str();
+}
+
+std::string DefaultModulePath()
+{
+    return Platform::ExecutableDirectory() + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
+}
+
+} // namespace
+
+std::optional<Arguments> ParseArguments(int argumentCount, const char *const *arguments, ExitCode &exitCode)
+{
+    Arguments parsed;
+    CLI::App app("Makes reports of this machine's BIOS options with the BIOS configuration module.", "biosconfig");
+    app.footer(Footer());
+    app.set_version_flag("--version", "biosconfig " BIOSCONFIG_VERSION);
+    app.require_subcommand(1);
+    CLI::App *const report = app.add_subcommand("report", "Makes a report and prints it");
+    AddCommonOptions(*report, parsed);
+    AddReportOptions(*report, parsed);
+    CLI::App *const capabilities =
+        app.add_subcommand("capabilities", "Prints one capability per line: name, tab, description");
+    AddCommonOptions(*capabilities, parsed);
+
+    try
+    {
+        app.parse(argumentCount, arguments);
+    }
+    catch (const CLI::ParseError &end)
+    {
+        exitCode = app.exit(end) == 0 ? ExitCode::Success : ExitCode::WrongUsage;
+        return std::nullopt;
+    }
+    if (*capabilities)
+        parsed.command = Arguments::Command::Capabilities;
+    if (parsed.modulePath.empty())
+        parsed.modulePath = DefaultModulePath();
+    parsed.format = KindOf(parsed.formatName);
+    return parsed;
+}

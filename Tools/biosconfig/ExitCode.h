@@ -1,0 +1,38 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+/// What the program's exit code says; part of its contract with scripts.
+enum class ExitCode : int
+{
+    Success = 0,
+    NoReport = 1,
+    WrongUsage = 2,
+    NoModule = 3,
+    NotReady = 4,
+    NotWritten = 5
+};
+
+struct ExitCodeMeaning
+{
+    ExitCode code;
+    const char *text;
+};
+
+/// As --help shows them.
+constexpr ExitCodeMeaning kExitCodeMeanings[] = {
+    {ExitCode::Success, "done, and the module recorded no error"},
+    {ExitCode::NoReport, "no report, or one made with errors that the module recorded in Error.xml"},
+    {ExitCode::WrongUsage, "wrong command line, or an option that the module does not offer"},
+    {ExitCode::NoModule, "the module cannot be loaded or is not such a module"},
+    {ExitCode::NotReady, "the tool directory is missing, not writable, or not accepted by the module"},
+    {ExitCode::NotWritten, "the output cannot be written"}};
+
+/// A failure that ends the program's work, with the text for the user and the exit code. Never leaves main.
+struct Failure : std::runtime_error
+{
+    Failure(ExitCode exitCode, const std::string &message) : std::runtime_error(message), code(exitCode) {}
+
+    ExitCode code;
+};

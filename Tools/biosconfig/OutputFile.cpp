@@ -1,0 +1,78 @@
+#include "OutputFile.h"
+
+#include "ExitCode.h"
+
+#include <cstdint>
+#include <filesystem>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// The file that a chain of links ends at, so that the file is replaced and not the link.
+std::string LinkTarget(const std::string &path)
+{
+    std::error_code error;
+    const fs::path target = fs::canonical(path, error);
+    return error ? path : target.string();
+}
+
+bool IsReplaceable(const std::string &path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::is_regular_file(status) || !fs::exists(status);
+}
+
+/// Two runs at one time do not get the same name.
+std::string TemporaryPath(const std::string &path)
+{
+    std::uint64_t milliseconds = 0;
+    Platform::MonotonicMilliseconds(milliseconds);
+    return path + "." + std::to_string(milliseconds) + ".tmp";
+}
+
+void WriteAll(std::FILE *stream, std::string_view data, const std::string &name)
+{
+    if (std::fwrite(data.data(), 1, data.size(), stream) != data.size() || std::fflush(stream) != 0)
+        throw Failure(ExitCode::NotWritten, "cannot write everything to " + name);
+}
+
+} // namespace
+
+OutputFile::OutputFile(const std::string &path)
+{
+    if (path == "-")
+        return;
+    m_path = LinkTarget(Platform::NativePath(path));
+    if (IsReplaceable(m_path))
+        m_temporaryPath = TemporaryPath(m_path);
+    m_stream = Platform::OpenStream(m_temporaryPath.empty() ? m_path : m_temporaryPath, "wb");
+    if (!m_stream)
+        throw Failure(ExitCode::NotWritten, "cannot write the output file " + path);
+}
+
+OutputFile::~OutputFile()
+{
+    m_stream.reset();
+    if (!m_temporaryPath.empty())
+        Platform::RemoveFile(m_temporaryPath);
+}
+
+void OutputFile::Write(std::string_view data)
+{
+    if (IsStandardOutput())
+    {
+        Platform::StandardOutputAsBytes();
+        WriteAll(stdout, data, "standard output");
+        return;
+    }
+    WriteAll(m_stream.get(), data, m_path);
+    m_stream.reset();
+    if (m_temporaryPath.empty())
+        return;
+    if (!Platform::RenameOver(m_temporaryPath, m_path))
+        throw Failure(ExitCode::NotWritten, "cannot replace the output file " + m_path);
+    m_temporaryPath.clear();
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Platform.h"
+
+#include <string>
+#include <string_view>
+
+/// The file that is to hold the data, or standard output for "-". The data goes into a file beside it, which takes
+/// its place in one step when everything is written; until then, and after any failure, an existing file stays as it
+/// was. What is no plain file (a device, a pipe) is written directly.
+class OutputFile
+{
+public:
+    /// Throws Failure when `path` cannot be written.
+    explicit OutputFile(const std::string &path);
+    /// Removes what was not put in place.
+    ~OutputFile();
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
+
+    bool IsStandardOutput() const { return m_path.empty(); }
+
+    /// Writes `data` byte for byte and puts it in place. Throws Failure when that fails. To be called once.
+    void Write(std::string_view data);
+
+private:
+    std::string m_path;
+    /// Empty when the output is written directly.
+    std::string m_temporaryPath;
+    Platform::StreamOwner m_stream;
+};

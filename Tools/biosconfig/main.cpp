@@ -1,0 +1,162 @@
+#include "Arguments.h"
+#include "ErrorFileWatch.h"
+#include "ExitCode.h"
+#include "ModuleHost.h"
+#include "OutputFile.h"
+#include "Platform.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+
+namespace
+{
+
+/// What the module records when no writer for the kind can be had.
+constexpr const char *kNoWriterMessage = "Could not Allocate Memory";
+
+void Tell(const std::string &message)
+{
+    std::fprintf(stderr, "biosconfig: %s\n", message.c_str());
+}
+
+/// `text` with a blank for every control character, which would break a line or a column.
+std::string OneLine(std::string text)
+{
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char character) { return character < ' '; }, ' ');
+    return text;
+}
+
+std::string WithFinalSeparator(const std::string &directory)
+{
+    return directory.find_last_of("/\\") == directory.size() - 1 ? directory : directory + "/";
+}
+
+/// The user's tool directory as a prefix for file names. Throws Failure when there is no such directory.
+std::string ToolDirectory(const Arguments &arguments)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(Platform::NativePath(arguments.toolDirectory), error))
+        throw Failure(ExitCode::NotReady, "there is no tool directory \"" + arguments.toolDirectory + "\"");
+    return WithFinalSeparator(arguments.toolDirectory);
+}
+
+/// Throws Failure when the module could not record errors, because then a failed report could not be told from a
+/// good one.
+void RequireWritable(const std::string &errorFile)
+{
+    std::error_code error;
+    const bool existed = std::filesystem::exists(Platform::NativePath(errorFile), error);
+    if (!Platform::OpenStream(errorFile, "ab"))
+        throw Failure(ExitCode::NotReady, "the module could not record errors: cannot write " + errorFile);
+    if (!existed)
+        Platform::RemoveFile(errorFile);
+}
+
+std::string CapabilityLines(const ModuleHost &module)
+{
+    std::string lines;
+    for (const auto &capability : module.Capabilities())
+    {
+        for (const std::string &name : capability->names)
+            lines += OneLine(name) + "\t" + OneLine(capability->description) + "\n";
+    }
+    return lines;
+}
+
+/// Has the module do the work and gives the data. Throws Failure when there is none.
+std::string AskModule(const Arguments &arguments, const std::string &toolDirectory)
+{
+    const Platform::StandardOutputToError keepOutputForData;
+    ModuleHost module(arguments.modulePath);
+    module.Initialise(toolDirectory);
+    if (arguments.command == Arguments::Command::Capabilities)
+        return CapabilityLines(module);
+    if (!module.Offers(arguments.option))
+        throw Failure(ExitCode::WrongUsage, "the module does not offer the option \"" + arguments.option +
+                                                "\"; \"biosconfig capabilities\" shows what it offers");
+    return module.Report(arguments.option, arguments.format);
+}
+
+void ShowErrors(const std::string &errorFile, const std::vector<RecordedError> &errors)
+{
+    if (errors.empty())
+        return;
+    Tell("the module recorded " + std::to_string(errors.size()) + (errors.size() == 1 ? " error" : " errors") + " in " +
+         errorFile + ":");
+    for (const RecordedError &error : errors)
+        std::fprintf(stderr, "  %s (%s), %s, %s:%s\n", OneLine(error.message).c_str(), OneLine(error.title).c_str(),
+                     OneLine(error.time).c_str(), OneLine(error.sourceFile).c_str(), OneLine(error.line).c_str());
+}
+
+/// Whether the module could make the report, from what is there of it and the errors recorded meanwhile.
+ExitCode JudgeReport(const Arguments &arguments, const std::string &report, const std::vector<RecordedError> &errors)
+{
+    const bool noWriter = std::any_of(errors.begin(), errors.end(),
+                                      [](const RecordedError &error) { return error.message == kNoWriterMessage; });
+    std::string programFiles;
+    if (report.empty())
+        Tell(noWriter ? "this module gives no report of that kind: " + arguments.formatName
+                      : "the module made no report");
+    else if (!errors.empty() && !Platform::ReadEnvironmentVariable("ProgramFiles", programFiles))
+        Tell("the environment variable ProgramFiles, which locates the external tool, is not set");
+    return report.empty() || !errors.empty() ? ExitCode::NoReport : ExitCode::Success;
+}
+
+/// Has the module do the work and judges the outcome. A report that could be made in part only is stored, too.
+ExitCode MakeData(const Arguments &arguments, std::string &data)
+{
+    const std::string toolDirectory = ToolDirectory(arguments);
+    const bool report = arguments.command == Arguments::Command::Report;
+    const ErrorFileWatch watch(toolDirectory + "Error.xml");
+    if (report)
+        RequireWritable(watch.Path());
+    try
+    {
+        data = AskModule(arguments, toolDirectory);
+    }
+    catch (const Failure &failure)
+    {
+        Tell(failure.what());
+        ShowErrors(watch.Path(), watch.NewErrors());
+        return failure.code;
+    }
+    const std::vector<RecordedError> errors = watch.NewErrors();
+    ShowErrors(watch.Path(), errors);
+    return report ? JudgeReport(arguments, data, errors) : ExitCode::Success;
+}
+
+ExitCode Run(const Arguments &arguments)
+{
+    OutputFile output(arguments.outputPath);
+    std::string data;
+    const ExitCode outcome = MakeData(arguments, data);
+    if (outcome == ExitCode::Success || output.IsStandardOutput())
+        output.Write(data);
+    return outcome;
+}
+
+} // namespace
+
+int main(int argumentCount, char **arguments)
+{
+    ExitCode exitCode = ExitCode::NoReport;
+    try
+    {
+        const std::optional<Arguments> parsed = ParseArguments(argumentCount, arguments, exitCode);
+        if (parsed)
+            exitCode = Run(*parsed);
+    }
+    catch (const Failure &failure)
+    {
+        Tell(failure.what());
+        exitCode = failure.code;
+    }
+    catch (const std::exception &failure)
+    {
+        Tell(failure.what());
+    }
+    return static_cast<int>(exitCode);
+}

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Installs what building and testing needs, and the packages given as arguments, as far as they are missing.
+# For Debian 12, Ubuntu 24.04 and later; runs as root or through sudo and asks nothing.
+set -euo pipefail
+
+packages=(g++ cmake ninja-build libxml2-dev nlohmann-json3-dev libcli11-dev libgtest-dev libxml2-utils "$@")
+
+missing=()
+for package in "${packages[@]}"; do
+    state=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [[ $state == installed ]] || missing+=("$package")
+done
+((${#missing[@]})) || exit 0
+
+as_root=()
+((EUID == 0)) || as_root=(sudo)
+echo "Installing: ${missing[*]}" >&2
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y install --no-install-recommends "${missing[@]}"

@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Builds the module and shows one report of it: the stand-in plays the external tool, everything lies under demo/.
+set -euo pipefail
+cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
+
+cmake/install-packages.sh </dev/null >&2
+cmake --preset release -B build/demo -DBIOSCONFIG_BUILD_TESTS=OFF >/dev/null
+cmake --build build/demo -- --quiet >&2
+
+# What an installation provides: the host's tool directory, and the external tool in its place.
+export ProgramFiles="$PWD/demo/Program Files"
+tool_place="$ProgramFiles/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary"
+rm -rf demo
+mkdir -p demo/tool/ModuleData "$tool_place"
+cp Docs/Example/CapsList.json demo/tool/
+cp build/demo/bin/FenrikCmd.exe "$tool_place/"
+
+build/demo/bin/biosconfig report --tool-dir demo/tool -o demo/report.xml
+
+echo "The report, demo/report.xml, begins:"
+xmllint --format demo/report.xml | cut -c 1-110 | sed -n '2,9p'
+printf '... and has %s rows in %s groups.\n' "$(grep -o '<Row>' demo/report.xml | wc -l)" \
+    "$(grep -o '<Group ' demo/report.xml | wc -l)"
