@@ -1,7 +1,6 @@
 #include "BiosConfigModule.h"
 #include "ModuleSupport.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -51,6 +50,14 @@ std::ptrdiff_t OpenFiles()
     return std::distance(fs::directory_iterator("/proc/self/fd", error), {});
 }
 
+std::size_t Count(const std::string &text, const std::string &searched)
+{
+    std::size_t count = 0;
+    for (std::size_t found = text.find(searched); found != std::string::npos; found = text.find(searched, found + 1))
+        ++count;
+    return count;
+}
+
 /// The ending of the report file, and of the golden document, by output kind.
 constexpr const char *kReportSuffixes[] = {"_UI_XML",   "_UI_XML", "_LOG_XML", "_LOG_XML",  "_LOG_HTML",
                                            "_LOG_HTML", "",        "",         "_LOG_JSON", "_UI_JSON"};
@@ -74,17 +81,22 @@ TEST_F(EndToEndTest, GivesTheSameReportEveryTimeInBufferAndFile)
     EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
 }
 
-TEST_F(EndToEndTest, ReportsTheStandInsWholeFirmware)
+TEST_F(EndToEndTest, ReportsEveryOptionOfADumpOfAHundredMegabytes)
 {
-    testing::internal::CaptureStderr();
-    const std::string report = Report(OutputKind::UiXml);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    std::size_t rows = 0;
-    for (std::size_t found = report.find("<Row>"); found != std::string::npos; found = report.find("<Row>", found + 1))
-        ++rows;
-    EXPECT_GE(rows, 250U);
-    EXPECT_EQ(report.find("TpmDevice"), std::string::npos);
+    for (const char *fault : {"", "big"})
+    {
+        m_machine.UseFault(fault);
+        testing::internal::CaptureStderr();
+        const std::string report = Report(OutputKind::UiXml);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        const std::string dump = ReadFile(m_machine.ToolFile("FenrikOutput.xml"));
+        EXPECT_GT(dump.size(), *fault ? 100'000'000U : 100'000U);
+        const std::size_t knobs = Count(dump, "SetupPgPtr=");
+        EXPECT_GT(knobs, 250U);
+        EXPECT_EQ(Count(report, "<Row>"), knobs - Count(dump, "\"TpmDevice\""));
+    }
     EXPECT_TRUE(fs::exists(m_machine.ToolFile("out")));
+    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
 }
 
 TEST_F(EndToEndTest, ADamagedDumpGivesWhatCanBeReadAndNoOutput)
@@ -97,16 +109,6 @@ TEST_F(EndToEndTest, ADamagedDumpGivesWhatCanBeReadAndNoOutput)
     EXPECT_EQ(testing::internal::GetCapturedStderr() + testing::internal::GetCapturedStdout(), "");
     EXPECT_NE(report.find("<Row>\"FanCurve\""), std::string::npos) << report;
     EXPECT_EQ(report.find("WakeOnLan"), std::string::npos) << report;
-    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
-}
-
-TEST_F(EndToEndTest, HoldsForADumpOfAHundredMegabytes)
-{
-    m_machine.UseFault("big");
-    const std::string report = Report(OutputKind::UiXml);
-    EXPECT_GT(fs::file_size(m_machine.ToolFile("FenrikOutput.xml")), 100'000'000U);
-    EXPECT_GT(report.size(), 10'000'000U);
-    EXPECT_TRUE(report.ends_with("</Row></Group></Grid></Tab></TabControl></TreeItem>\n"));
     EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
 }
 
