@@ -142,7 +142,6 @@ constexpr BadCall kBadCalls[] = {
     {"report --tool-dir tools --bogus", 2, "--bogus"},
     {"report --tool-dir tools --format pdf", 2, "pdf not in {ui-xml,"},
     {"report --tool-dir tools --option other", 2, "does not offer the option \"other\""},
-    {"report --tool-dir tools --format log-json", 1, "gives no report of that kind: log-json"},
     {"report --tool-dir tools --module missing", 3, "missing: cannot open"},
     {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", 3, "lacks the module's exports"},
     {"report --tool-dir missing", 4, "no tool directory \"missing\""},
