@@ -1,0 +1,135 @@
+#include "BiosConfigModule.h"
+#include "ModuleSupport.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <memory>
+
+// A host of the built module: it knows the public headers and finds everything else at run time.
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using TestSupport::Machine;
+using TestSupport::ReadFile;
+using TestSupport::WriteFile;
+
+class EndToEndTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_library) << m_error;
+        const auto create = m_library.Find<decltype(CreateBiosConfigModule)>("CreateBiosConfigModule");
+        const auto destroy = m_library.Find<decltype(DestroyBiosConfigModule)>("DestroyBiosConfigModule");
+        ASSERT_TRUE(create && destroy);
+        m_module = {create(), destroy};
+        std::vector<Cap *> caps;
+        ASSERT_EQ(m_module->InitModule(caps, {{"toolxmlpath", m_machine.HostDirectory()}}), StatusCode::Success);
+        for (const Cap *cap : caps)
+            delete cap;
+    }
+
+    std::string Report(OutputKind kind)
+    {
+        std::string report;
+        EXPECT_EQ(m_module->GetData("all", &kind, &report), StatusCode::Success);
+        return report;
+    }
+
+    Machine &m_machine = Machine::Fresh();
+    std::string m_error;
+    Platform::SharedLibrary m_library{MODULE_FILE, m_error};
+    std::unique_ptr<BaseModule, decltype(&DestroyBiosConfigModule)> m_module{nullptr, nullptr};
+};
+
+/// The open files of this process, where the system tells.
+std::ptrdiff_t OpenFiles()
+{
+    std::error_code error;
+    return std::distance(fs::directory_iterator("/proc/self/fd", error), {});
+}
+
+TEST_F(EndToEndTest, GivesTheSameReportEveryTimeInBufferAndFile)
+{
+    m_machine.UseDump(ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml"));
+    const std::string golden = ReadFile(TEST_DATA_DIRECTORY "SmallFirmware_UI_XML");
+    const std::ptrdiff_t openFiles = OpenFiles();
+    for (const OutputKind kind : {OutputKind::UiXml, OutputKind::UiXmlAlternate})
+    {
+        fs::remove(m_machine.HostFile("ModuleData/bios_UI_XML"));
+        EXPECT_EQ(Report(kind), golden);
+        const std::string file = ReadFile(m_machine.HostFile("ModuleData/bios_UI_XML"));
+        EXPECT_EQ(std::count(file.begin(), file.end(), '\r'), std::count(golden.begin(), golden.end(), '\n'));
+        std::string text;
+        EXPECT_TRUE(Platform::ReadTextFile(m_machine.HostFile("ModuleData/bios_UI_XML"), text));
+        EXPECT_EQ(text, golden);
+    }
+    EXPECT_EQ(OpenFiles(), openFiles);
+    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
+}
+
+TEST_F(EndToEndTest, ReportsTheStandInsWholeFirmware)
+{
+    testing::internal::CaptureStderr();
+    const std::string report = Report(OutputKind::UiXml);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    std::size_t rows = 0;
+    for (std::size_t found = report.find("<Row>"); found != std::string::npos; found = report.find("<Row>", found + 1))
+        ++rows;
+    EXPECT_GE(rows, 250U);
+    EXPECT_EQ(report.find("TpmDevice"), std::string::npos);
+    EXPECT_TRUE(fs::exists(m_machine.ToolFile("out")));
+}
+
+TEST_F(EndToEndTest, ADamagedDumpGivesWhatCanBeReadAndNoOutput)
+{
+    const std::string dump = ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml");
+    m_machine.UseDump(dump.substr(0, dump.find("WakeOnLan")));
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    const std::string report = Report(OutputKind::UiXml);
+    EXPECT_EQ(testing::internal::GetCapturedStderr() + testing::internal::GetCapturedStdout(), "");
+    EXPECT_NE(report.find("<Row>\"FanCurve\""), std::string::npos) << report;
+    EXPECT_EQ(report.find("WakeOnLan"), std::string::npos) << report;
+    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
+}
+
+TEST_F(EndToEndTest, HoldsForADumpOfAHundredMegabytes)
+{
+    m_machine.UseFault("big");
+    const std::string report = Report(OutputKind::UiXml);
+    EXPECT_GT(fs::file_size(m_machine.ToolFile("FenrikOutput.xml")), 100'000'000U);
+    EXPECT_GT(report.size(), 10'000'000U);
+    EXPECT_TRUE(report.ends_with("</Row></Group></Grid></Tab></TabControl></TreeItem>\n"));
+    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
+}
+
+TEST_F(EndToEndTest, BytesThatAreNotUtf8CostNoRow)
+{
+    m_machine.UseDump("<?xml version='1.0' encoding='ISO-8859-1'?><SYSTEM><biosknobs><k name='\xE9' prompt='&#x1F600; "
+                      "R&amp;D; &amp;amp;'/><k name='after'/></biosknobs></SYSTEM>");
+    const std::string report = Report(OutputKind::UiXml);
+    EXPECT_NE(report.find("<Row>\"&#xE9;\", \"\", \"&#x1F600; R&amp;D; &amp;amp;\", \"NA\"</Row>"), std::string::npos)
+        << report;
+    EXPECT_NE(report.find("<Row>\"after\""), std::string::npos) << report;
+    // Damage inside a text: the parser gives what it can, and the document still parses.
+    m_machine.UseDump("<SYSTEM><biosknobs><k name='a'/><k name='b\xFF"
+                      "c'/><k name='d'/></biosknobs></SYSTEM>");
+    EXPECT_NE(Report(OutputKind::UiXml).find("<Row>\"a\""), std::string::npos);
+}
+
+TEST_F(EndToEndTest, ErrorsGoToAFileThatMayBeMissingBrokenOrUnwritable)
+{
+    m_machine.UseFault("exit:1");
+    WriteFile(m_machine.HostFile("Error.xml"), "broken");
+    Report(OutputKind::UiXml);
+    Report(OutputKind::UiXml);
+    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>(2, "Failed to initialise / BiosConfigModule - GetData"));
+    fs::remove_all(m_machine.HostFile(""));
+    EXPECT_FALSE(Report(OutputKind::UiXml).empty());
+    EXPECT_FALSE(fs::exists(m_machine.HostFile("Error.xml")));
+}
+
+} // namespace

@@ -1,0 +1,157 @@
+#include "Platform.h"
+#include "CommandLine.h"
+#include "TestSupport.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using TestSupport::EnvironmentSetting;
+using TestSupport::ReadFile;
+using TestSupport::TemporaryDirectory;
+using TestSupport::WriteFile;
+
+TEST(CommandLine, SplitsAsWindowsProgramsDo)
+{
+    const struct
+    {
+        const char *line;
+        std::vector<std::string> arguments;
+    } cases[] = {
+        {"", {}},
+        {"tool", {"tool"}},
+        {R"("C:\Program Files\tool.exe" status)", {R"(C:\Program Files\tool.exe)", "status"}},
+        {R"("C:\dir\"tool  a	b )", {R"(C:\dir\tool)", "a", "b"}},
+        {R"(tool "C:\out dir\\" next)", {"tool", R"(C:\out dir\)", "next"}},
+        {R"(tool a\\\"b "c d" e"f g"h)", {"tool", R"(a\"b)", "c d", "ef gh"}},
+        {R"(tool "a""b" "" \\server)", {"tool", R"(a"b)", "", R"(\\server)"}},
+        {R"(tool "never closed )", {"tool", "never closed "}},
+        {R"(tool back\)", {"tool", R"(back\)"}},
+    };
+    for (const auto &[line, arguments] : cases)
+        EXPECT_EQ(Platform::SplitCommandLine(line), arguments) << line;
+}
+
+TEST(RunCommand, GivesTheExitCodeOfTheProgram)
+{
+    const TemporaryDirectory directory;
+    const std::string program = directory.Path("Fenrik Cmd.exe");
+    fs::copy_file(FENRIKCMD_PROGRAM, program);
+    const struct
+    {
+        const char *fault;
+        std::uint32_t exitCode;
+    } cases[] = {{"exit:0", 0}, {"exit:1", 1}, {"exit:2", 2}, {"exit:255", 255}, {"crash", Platform::kUnknownExitCode}};
+    for (const auto &[fault, expected] : cases)
+    {
+        const EnvironmentSetting setting("FENRIKCMD_FAULT", fault);
+        std::uint32_t exitCode = 77;
+        EXPECT_TRUE(Platform::RunCommand('"' + program + "\" fenrikstatus", exitCode)) << fault;
+        EXPECT_EQ(exitCode, expected) << fault;
+    }
+}
+
+TEST(RunCommand, TellsAProgramThatCannotBeStarted)
+{
+    const TemporaryDirectory directory;
+    WriteFile(directory.Path("not executable.exe"), "no program");
+    for (const std::string &commandLine :
+         {std::string(), '"' + directory.Path("missing.exe") + '"', '"' + directory.Path("not executable.exe") + '"',
+          '"' + directory.Path("") + '"'})
+    {
+        std::uint32_t exitCode = 77;
+        EXPECT_FALSE(Platform::RunCommand(commandLine, exitCode)) << commandLine;
+        EXPECT_EQ(exitCode, 77U) << commandLine;
+    }
+}
+
+TEST(TextFile, LineFeedsAreWrittenAndReadAsPairs)
+{
+    const TemporaryDirectory directory;
+    const std::string path = directory.Path("folder\\text");
+    fs::create_directory(directory.Path("folder"));
+    const std::string text = "\none\n\ntwo\rthree" + std::string(300000, 'x') + "\n";
+    Platform::TextFileWriter writer;
+    ASSERT_TRUE(writer.Open(path));
+    EXPECT_TRUE(writer.Write(text));
+    EXPECT_TRUE(writer.Close());
+    EXPECT_EQ(ReadFile(directory.Path("folder/text")), "\r\none\r\n\r\ntwo\rthree" + std::string(300000, 'x') + "\r\n");
+    std::string read;
+    EXPECT_TRUE(Platform::ReadTextFile(path, read));
+    EXPECT_EQ(read, text);
+
+    WriteFile(directory.Path("folder/text"), "a\r\r\n\rb\r");
+    EXPECT_TRUE(Platform::ReadTextFile(path, read));
+    EXPECT_EQ(read, "a\r\n\rb\r");
+}
+
+TEST(TextFile, WhatIsNoFileCannotBeOpened)
+{
+    const TemporaryDirectory directory;
+    for (const std::string &path : {directory.Path("missing"), directory.Path("")})
+    {
+        std::string text = "before";
+        EXPECT_FALSE(Platform::ReadTextFile(path, text));
+        EXPECT_EQ(text, "before");
+    }
+    Platform::TextFileWriter writer;
+    EXPECT_FALSE(writer.Open(directory.Path("no folder/text")));
+    EXPECT_FALSE(writer.Write("lost"));
+}
+
+TEST(Directory, IsMadeOnceAndOnlyBelowAnother)
+{
+    using Platform::DirectoryOutcome;
+    const TemporaryDirectory directory;
+    EXPECT_EQ(Platform::MakeDirectory(directory.Path("out")), DirectoryOutcome::Made);
+    EXPECT_EQ(Platform::MakeDirectory(directory.Path("out")), DirectoryOutcome::Existed);
+    EXPECT_EQ(Platform::MakeDirectory(directory.Path("none\\out")), DirectoryOutcome::Failed);
+}
+
+TEST(Mutex, CanBeTakenAgainByItsHolderOnly)
+{
+    const Platform::MutexHandle mutex = Platform::MakeMutex("PlatformTest");
+    int count = 0;
+    const auto work = [&]
+    {
+        for (int round = 0; round < 20000; ++round)
+        {
+            const Platform::MutexLock outer(mutex);
+            const Platform::MutexLock inner(mutex);
+            ++count;
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(count, 40000);
+    Platform::CloseMutex(mutex);
+    EXPECT_FALSE(Platform::WaitMutex(nullptr));
+}
+
+TEST(Utf8ToUtf16, ReplacesEveryIllFormedPart)
+{
+    const struct
+    {
+        std::string text;
+        std::u16string units;
+    } cases[] = {
+        {std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
+        {"\xE9", u"\uFFFD"},
+        {"\xE2\x82z", u"\uFFFDz"},
+        {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}, // beyond the last character
+        {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},           // a surrogate
+        {"\xC0\xAF", u"\uFFFD\uFFFD"},                     // too long for what it says
+        {"\xF0\x9F\x98", u"\uFFFD"},
+    };
+    for (const auto &[text, units] : cases)
+        EXPECT_EQ(Platform::Utf8ToUtf16(text), units) << text;
+}
+
+} // namespace

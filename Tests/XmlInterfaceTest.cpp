@@ -1,0 +1,202 @@
+#include "xmlInterface.h"
+#include "ModuleSupport.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <libxml/parser.h>
+#include <memory>
+
+namespace
+{
+
+using TestSupport::ReadFile;
+using TestSupport::TemporaryDirectory;
+using TestSupport::TraceLog;
+using TestSupport::WriteFile;
+
+struct FreeDocument
+{
+    void operator()(xmlDocPtr document) const { CCXmlFreeDocPtr(document); }
+};
+using Document = std::unique_ptr<_xmlDoc, FreeDocument>;
+
+Document Parse(const std::string &text)
+{
+    return Document(CCXmlParseXMLBuffer(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+Document NewDocument(const char *rootName)
+{
+    Document document(CCXmlCreateDoc(nullptr));
+    CCXmlSetRootElement(document.get(), CCXmlAddNode(nullptr, rootName, nullptr));
+    return document;
+}
+
+std::string Dump(xmlDocPtr document)
+{
+    char *block = nullptr;
+    std::int32_t size = -1;
+    EXPECT_EQ(CCXmlDocDumpMemory(document, &block, &size), StatusCode::Success);
+    const std::unique_ptr<char, decltype(&std::free)> owned(block, std::free);
+    EXPECT_EQ(block[size], '\0');
+    return {block, static_cast<std::size_t>(size)};
+}
+
+TEST(XmlInterface, RefusesNullArgumentsWithTheirLines)
+{
+    const TraceLog log("XMLParser", TRACE_ERROR | TRACE_EXIT);
+    CCInitializeXMLParser();
+    const Document document = NewDocument("Root");
+    const xmlNodePtr root = CCXmlGetRootElement(document.get());
+    char *block = nullptr;
+    std::int32_t size = 0;
+    TraceLog::Take();
+
+    EXPECT_EQ(CCXmlParseXMLfile(nullptr), nullptr);
+    EXPECT_EQ(CCXmlParseXMLBuffer(nullptr, 4), nullptr);
+    EXPECT_EQ(CCXmlGetRootElement(nullptr), nullptr);
+    EXPECT_EQ(CCXmlSetRootElement(document.get(), nullptr), nullptr);
+    EXPECT_EQ(CCXmlGetNodeElementName(nullptr), nullptr);
+    EXPECT_EQ(CCXmlGetNextNodeChild(nullptr, root), nullptr);
+    EXPECT_EQ(CCXmlAddNode(root, nullptr, "x"), nullptr);
+    EXPECT_EQ(CCXmlDocDumpMemory(document.get(), nullptr, &size), StatusCode::Missing);
+    EXPECT_EQ(CCXmlDocDumpMemory(nullptr, &block, &size), StatusCode::Missing);
+    EXPECT_EQ(CCXmlSave("file", nullptr), StatusCode::Failed);
+    EXPECT_EQ(CCXmlFreeDocPtr(nullptr), StatusCode::Failed);
+    EXPECT_EQ(CCXmlGetAttributeValue(root, nullptr), nullptr);
+    CCXmlSetAttributeValue(root, "Name", nullptr);
+    EXPECT_EQ(CCXmlGetAttributeValue(root, "Name"), nullptr);
+
+    const std::vector<std::string> expected = {
+        " **ERROR**  Fn:CCXmlParseXMLfile Failed to read the XML file (nil)",
+        " <--  Fn:CCXmlParseXMLfile return NULL",
+        " **ERROR**  Fn:CCXmlParseXMLBuffer Failed to read the XML file (nil)",
+        " <--  Fn:CCXmlParseXMLBuffer return status (nil)",
+        " <--  Fn:CCXmlGetRootElement Return NULL",
+        " <--  Fn:CCXmlSetRootElement Return NULL",
+        " <--  Fn:CCXmlGetNodeElementName Return NULL",
+        " <--  Fn:CCXmlGetNextNodeChild Return NULL",
+        " **ERROR**  Fn:CCXmlAddNode XML pointer passed is NULL",
+        " <--  Fn:CCXmlAddNode return status NULL",
+        " **ERROR**  Fn:CCXmlDocDumpMemory Memory pointer passed is NULL",
+        " **ERROR**  Fn:CCXmlDocDumpMemory Document Pointer or Memory pointer passed is NULL",
+        " **ERROR**  Fn:CCXmlSave File name passed is NULL",
+        " <--  Fn:CCXmlSave return status 5",
+        " <--  Fn:CCXmlFreeDocPtr Document Pointer passed is NULL",
+        " **ERROR**  Fn:CCXmlGetAttributeValue Node or attribute name passed is NULL",
+        " <--  Fn:CCXmlGetAttributeValue Return NULL",
+        " **ERROR**  Fn:CCXmlSetAttributeValue Node or attribute name or attribute value passed is NULL",
+        " <--  Fn:CCXmlSetAttributeValue ",
+        " <--  Fn:CCXmlGetAttributeValue Return value (null)",
+    };
+    EXPECT_EQ(TraceLog::Take(), expected);
+    CCDeInitializeXMLParser();
+}
+
+TEST(XmlInterface, NestedBracketsShareOneHandle)
+{
+    DebugHandle_t *handle = nullptr;
+    InitDebugHandle("XMLParser", &handle);
+    CCInitializeXMLParser();
+    CCInitializeXMLParser();
+    EXPECT_EQ(handle->refCount, 2);
+    CCDeInitializeXMLParser();
+    EXPECT_EQ(handle->refCount, 2);
+    CCDeInitializeXMLParser();
+    EXPECT_EQ(handle->refCount, 1);
+    UnInitDebugHandle(handle);
+}
+
+TEST(XmlInterface, WalksChildrenOfEveryKind)
+{
+    const Document document = Parse("<a>text<!-- c --><b/> <c/></a>");
+    const xmlNodePtr root = CCXmlGetRootElement(document.get());
+    std::string names;
+    for (xmlNodePtr child = CCXmlGetNextNodeChild(root, nullptr); child; child = CCXmlGetNextNodeChild(root, child))
+        names += std::string(CCXmlGetNodeElementName(child)) + ' ';
+    EXPECT_EQ(names, "text comment b text c ");
+}
+
+TEST(XmlInterface, AddNodeResolvesReferencesAndTextNodesKeepEveryCharacter)
+{
+    const struct
+    {
+        std::string text;
+        const char *serialised;
+    } cases[] = {
+        {"A & B, R&D mode; on &amp; &#65; &", "A &amp; B, R&amp;D mode; on &amp;amp; &amp;#65; &amp;"},
+        {"<a href=\"x\">'q'\t", "&lt;a href=\"x\"&gt;'q'\t"},
+        {"\xC3\xA9 \xF0\x9F\x98\x80", "&#xE9; &#x1F600;"},
+        {"\xED\xA0\xBD\xED\xB8\x80", "&#x1F600;"}, // two surrogates, encoded one by one
+        {"\xED\xA0\xBD!", "&#xFFFD;!"},            // one alone
+        {std::string("a\0b\x01 \xFF\xEF\xBF\xBF", 9), "a&#xFFFD;b&#xFFFD; &#xFFFD;&#xFFFD;"},
+    };
+    for (const auto &[text, serialised] : cases)
+    {
+        const Document document = NewDocument("Root");
+        CCXmlAddTextNode(CCXmlGetRootElement(document.get()), "Row", text);
+        EXPECT_EQ(Dump(document.get()),
+                  std::string("<?xml version=\"1.0\"?>\n<Root><Row>") + serialised + "</Row></Root>\n");
+    }
+    const Document document = NewDocument("Root");
+    const xmlNodePtr root = CCXmlGetRootElement(document.get());
+    CCXmlAddNode(root, "Row", "&lt;&#65;");
+    CCXmlSetTextAttribute(root, "Name", "&amp;\x80\"");
+    EXPECT_EQ(Dump(document.get()),
+              "<?xml version=\"1.0\"?>\n<Root Name=\"&amp;amp;&#xFFFD;&quot;\"><Row>&lt;A</Row></Root>\n");
+}
+
+TEST(XmlInterface, RecoversAndKeepsTheLastElementOfALongText)
+{
+    EXPECT_EQ(CCXmlGetNodeElementName(CCXmlGetRootElement(Parse("<a><b></a").get())), std::string("a"));
+    std::string text = "<a>";
+    while (text.size() < 11000000)
+        text += "<b c=\"" + std::string(1000, 'x') + "\"/>";
+    text += "<last/></a>";
+    CCXmlPadBuffer(text);
+    const Document document = Parse(text);
+    std::string last;
+    const xmlNodePtr root = CCXmlGetRootElement(document.get());
+    for (xmlNodePtr child = CCXmlGetNextNodeChild(root, nullptr); child; child = CCXmlGetNextNodeChild(root, child))
+        last = CCXmlGetNodeElementName(child);
+    EXPECT_EQ(last, "last");
+}
+
+TEST(XmlInterface, SaveReplacesTheFileWholeOrLeavesIt)
+{
+    const TemporaryDirectory directory;
+    const Document document = NewDocument("New");
+    const std::string path = directory.Path("file.xml");
+    WriteFile(path, "<Old/>");
+    EXPECT_EQ(CCXmlSave(path.c_str(), document.get()), StatusCode::Success);
+    EXPECT_EQ(ReadFile(path), "<?xml version=\"1.0\"?>\n<New/>\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.Path("")), {}), 1);
+
+    // Where no file can be put beside it, the file itself is written.
+    std::filesystem::create_directories(directory.Path("file.xml.new/taken"));
+    EXPECT_EQ(CCXmlSave(path.c_str(), document.get()), StatusCode::Success);
+    EXPECT_EQ(CCXmlSave(directory.Path("no folder/file.xml").c_str(), document.get()), StatusCode::Failed);
+}
+
+int hostMessages = 0;
+
+TEST(XmlInterface, KeepsMessagesAndTheHostsHandlersToThemselves)
+{
+    const xmlStructuredErrorFunc before = xmlStructuredError;
+    const auto countMessage = [](void *, xmlErrorPtr) { ++hostMessages; };
+    xmlSetStructuredErrorFunc(&hostMessages, countMessage);
+    testing::internal::CaptureStderr();
+    Parse("<a><b></a");
+    CCXmlParseXMLfile("no such file");
+    const Document document = NewDocument("Root");
+    CCXmlSetAttributeValue(CCXmlGetRootElement(document.get()), "Name", "\xFF");
+    CCXmlAddNode(CCXmlGetRootElement(document.get()), "Row", "&unknown");
+    CCXmlSave("no such folder/file", document.get());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(hostMessages, 0);
+    EXPECT_EQ(xmlStructuredError, static_cast<xmlStructuredErrorFunc>(countMessage));
+    EXPECT_EQ(xmlStructuredErrorContext, &hostMessages);
+    xmlSetStructuredErrorFunc(nullptr, before);
+}
+
+} // namespace
