@@ -30,8 +30,8 @@ public:
 
     /// Makes the report of the option `name` ("all" stands for the first capability) in the format `*kind`, replaces
     /// the content of `*buffer` with it and writes it to the report file. Returns NotFound when one of the three
-    /// pointers is null, or for "all" when there is no capability. Otherwise Success, also when the report could not
-    /// be made: then the report says so or is missing, and Error.xml holds the reason.
+    /// pointers is null, or for "all" when there is no capability; NoMemory. Otherwise Success, also when the report
+    /// could not be made: then the report says so or is missing, and Error.xml holds the reason.
     virtual Status GetData(const char *name, const OutputKind *kind, std::string *buffer) = 0;
 
     virtual ~BaseModule() = default;

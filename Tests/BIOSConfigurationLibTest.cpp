@@ -180,7 +180,7 @@ TEST_F(BIOSConfigurationLibTest, PairsOptionsWithWhatWasHeld)
     } cases[] = {
         {"", {}},
         {"<list><o text='A' value='1'/><o text='A' value='2'/></list>", {{"A", "1"}}},
-        {"<list><o text='A' value='1'/><o text='B'/><o text='' value='3'/></list>", {{"A", "1"}, {"B", "1"}}},
+        {"<list><o text='A' value='1'/><o text='B' value=''/></list>", {{"A", "1"}, {"B", "1"}}},
         {"<list><o value='1'/><o text='A'/></list>", {{"A", "1"}}},
         {" <list><o text='A' value='1'/></list>", {}}, // the first child is a blank
     };

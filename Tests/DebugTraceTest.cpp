@@ -11,32 +11,26 @@ namespace
 std::string printed;
 std::string calledBack;
 
-int Append(const char *format, std::va_list arguments)
-{
-    char text[1024];
-    const int length = std::vsnprintf(text, sizeof text, format, arguments);
-    printed += text;
-    return length;
-}
-
+/// Both are given a header and a message to print with "%s %s".
 int PrintToConsole(const char *format, ...)
 {
-    std::va_list arguments;
-    va_start(arguments, format);
-    printed += "console:";
-    const int length = Append(format, arguments);
-    va_end(arguments);
+    std::va_list texts;
+    va_start(texts, format);
+    char line[512];
+    const int length = std::vsnprintf(line, sizeof line, format, texts);
+    va_end(texts);
+    printed += std::string("console:") + line;
     return length;
 }
 
 int PrintToFile(std::FILE *stream, const char *format, ...)
 {
-    std::va_list arguments;
-    va_start(arguments, format);
-    printed += stream == stdout ? "global:" : "package:";
-    const int length = Append(format, arguments);
-    va_end(arguments);
-    return length;
+    std::va_list texts;
+    va_start(texts, format);
+    const std::string header = va_arg(texts, const char *);
+    printed += (stream == stdout ? "global:" : "package:") + header + ' ' + va_arg(texts, const char *);
+    va_end(texts);
+    return format ? 1 : 0;
 }
 
 Status CallBack(std::uint32_t level, const char *message, std::uint32_t size)
@@ -166,30 +160,20 @@ TEST(FunctionTrace, WritesTheWayOutOnceAndEvaluatesNothingWhenDisabled)
     DebugHandle_t handle = Loud();
     handle.traceFormat = FORMAT_TAGS;
     printed.clear();
-    const auto call = [&handle](int way)
     {
-        FunctionTrace trace(&handle, "file", "F", "F\n");
-        switch (way)
-        {
-        case 0:
-            return trace.Fail(StatusCode::Missing, "bad\n");
-        case 1:
-            return trace.Done(StatusCode::Success);
-        case 2:
-            return trace.LeaveUntraced(StatusCode::Success);
-        case 3:
-            RETURN_TRACED(trace, StatusCode::Failed, "%d\n", 7);
-        default:
-            return StatusCode::Success; // forgotten
-        }
-    };
-    EXPECT_EQ(call(0), StatusCode::Missing);
-    EXPECT_EQ(call(3), StatusCode::Failed);
-    EXPECT_EQ(printed, "console:\n -->  F\nconsole:\n **ERROR**  <--  bad\nconsole:\n -->  F\nconsole:\n <--  7\n");
-    for (const int way : {1, 4, 2})
-        call(way);
-    EXPECT_TRUE(printed.ends_with("console:\n -->  F\nconsole:\n <--  F\nconsole:\n -->  F\nconsole:\n <--  F\n"
-                                  "console:\n -->  F\n"));
+        FunctionTrace(&handle, "file", "F", "1\n").Done(StatusCode::Success);
+    }
+    {
+        FunctionTrace(&handle, "file", "F", "2\n").Fail(StatusCode::Missing, "bad\n");
+    }
+    {
+        FunctionTrace(&handle, "file", "F", "3\n").LeaveUntraced(StatusCode::Success);
+    }
+    {
+        const FunctionTrace forgotten(&handle, "file", "F", "4\n");
+    }
+    EXPECT_EQ(printed, "console:\n -->  1\nconsole:\n <--  1\nconsole:\n -->  2\nconsole:\n **ERROR**  <--  bad\n"
+                       "console:\n -->  3\nconsole:\n -->  4\nconsole:\n <--  4\n");
 
     handle.traceType = 0;
     bool evaluated = false;

@@ -64,22 +64,17 @@ TEST(XMLReaderLib, TellsWhyThereAreNoCapabilities)
     } cases[] = {
         {"", StatusCode::Failed}, // also for a file that is not there
         {"{", StatusCode::Failed},
-        {Options("[" + good + "]") + ",", StatusCode::Failed},
         {Options("[" + good + ",]"), StatusCode::Failed},
         {Options("[" + good + "]") + " // comment", StatusCode::Failed},
         {"{\"Tarnwell\": \"\xFF\"}", StatusCode::Failed},
         {"[]", StatusCode::Failed},
-        {"7", StatusCode::Failed},
         {R"({"Tarnwell": []})", StatusCode::Failed},
         {List("\"text\""), StatusCode::Failed},
         {Options("3"), StatusCode::Failed},
         {Options("[" + good + ", 3]"), StatusCode::Failed},
         {Options("[" + good + R"(, {"Description": "b"}])"), StatusCode::Failed},
-        {Options("[" + good + R"(, {"Name": "a"}])"), StatusCode::Failed},
         {Options(R"([{"Name": 1, "Description": "b"}])"), StatusCode::Failed},
-        {Options(R"([{"Name": "a", "Description": null}])"), StatusCode::Failed},
         {"{}", StatusCode::NotFound},
-        {R"({"Tarnwell": {}})", StatusCode::NotFound},
         {List("{}"), StatusCode::NotFound},
         {List(R"({"bios options": [], "Other": []})"), StatusCode::NotFound},
     };

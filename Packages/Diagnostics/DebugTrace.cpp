@@ -43,10 +43,13 @@ public:
             AppendLine(line);
         if (handle.traceFormat & FORMAT_TIME)
             AppendTime();
-        m_text[m_fits ? m_length : 0] = '\0';
+        if (!m_fits)
+            m_length = 0;
+        m_text[m_length] = '\0';
     }
 
     const char *Text() const { return m_text; }
+    std::size_t Length() const { return m_length; }
 
 private:
     void Append(std::string_view text)
@@ -96,27 +99,65 @@ private:
     bool m_fits = true;
 };
 
-void PrintToFile(const DebugHandle_t &handle, std::FILE *stream, bool sync, const char *header, const char *message)
+/// One line on its way to the sinks. The C library's own print functions would only put the two texts together, so the
+/// line goes to their streams as it is; a print function of somebody else's gets the format and the texts.
+class Line
 {
-    if (!handle.filePrint || !stream)
-        return;
-    handle.filePrint(stream, "%s %s", header, message);
-    if (sync && handle.filePrint == static_cast<FilePrint_t>(std::fprintf))
-        std::fflush(stream);
-}
+public:
+    Line(const Header &header, const char *message) : m_header(header.Text()), m_message(message)
+    {
+        Append(header.Text(), header.Length());
+        Append(" ", 1);
+        Append(message, std::strlen(message));
+    }
 
-void PrintToSinks(const DebugHandle_t &handle, const char *header, const char *message)
+    void Print(ConsolePrint_t print) const
+    {
+        if (print == static_cast<ConsolePrint_t>(std::printf))
+            std::fwrite(m_text, 1, m_length, stdout);
+        else if (print)
+            print("%s %s", m_header, m_message);
+    }
+
+    void Print(FilePrint_t print, std::FILE *stream, bool sync) const
+    {
+        if (!print || !stream)
+            return;
+        if (print != static_cast<FilePrint_t>(std::fprintf))
+        {
+            print(stream, "%s %s", m_header, m_message);
+            return;
+        }
+        std::fwrite(m_text, 1, m_length, stream);
+        if (sync)
+            std::fflush(stream);
+    }
+
+private:
+    void Append(const char *text, std::size_t length)
+    {
+        std::memcpy(m_text + m_length, text, length);
+        m_length += length;
+    }
+
+    const char *m_header;
+    const char *m_message;
+    std::size_t m_length = 0;
+    char m_text[kHeaderSize + kMessageLimit];
+};
+
+void PrintToSinks(const DebugHandle_t &handle, const Line &line)
 {
-    if ((handle.outputType & OUTPUT_CONSOLE) && handle.consolePrint)
-        handle.consolePrint("%s %s", header, message);
+    if (handle.outputType & OUTPUT_CONSOLE)
+        line.Print(handle.consolePrint);
     if (handle.outputType & OUTPUT_FILE)
     {
         if (handle.logToPackageFile)
-            PrintToFile(handle, handle.packageFile, handle.syncPackageFile, header, message);
-        PrintToFile(handle, handle.globalFile, handle.syncGlobalFile, header, message);
+            line.Print(handle.filePrint, handle.packageFile, handle.syncPackageFile);
+        line.Print(handle.filePrint, handle.globalFile, handle.syncGlobalFile);
     }
-    if ((handle.outputType & OUTPUT_CUSTOM) && handle.customPrint)
-        handle.customPrint("%s %s", header, message);
+    if (handle.outputType & OUTPUT_CUSTOM)
+        line.Print(handle.customPrint);
 }
 
 Status TraceArguments(const DebugHandle_t *handle, const char *functionName, std::uint32_t line, std::uint32_t level,
@@ -136,7 +177,8 @@ Status TraceArguments(const DebugHandle_t *handle, const char *functionName, std
     if ((handle->outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) == 0 || (handle->traceType & level) == 0)
         return StatusCode::Success;
 
-    PrintToSinks(*handle, Header(*handle, level, functionName, line).Text(), message);
+    const Header header(*handle, level, functionName, line);
+    PrintToSinks(*handle, Line(header, message));
     return StatusCode::Success;
 }
 
