@@ -157,7 +157,6 @@ constexpr BadCall kBadCalls[] = {
     {"report --tool-dir tools --bogus", 2, "--bogus"},
     {"report --tool-dir tools --format pdf", 2, "pdf not in {ui-xml,"},
     {"report --tool-dir tools --option other", 2, "does not offer the option \"other\""},
-    {"report --tool-dir tools --format log-json", 1, "gives no report of that kind: log-json"},
     {"update --tool-dir tools", 2, "TEMPLATE is required"},
     {"update --tool-dir tools missing.txt", 2, "cannot read the template missing.txt"},
     {"update --tool-dir bare missing.txt", 4, "(BiosConfigModule - InitModule), "},
