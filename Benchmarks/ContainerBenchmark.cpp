@@ -242,6 +242,15 @@ void RemoveAll(Tested &tested, std::vector<Element> &elements)
         tested.Remove(&element);
 }
 
+/// From the smallest on, so that no node has two children: of those containers free different nodes, and what is then
+/// allocated for the next run would lie in different order.
+template <typename Tested>
+void Clear(Tested &tested, const std::vector<Element> &elements)
+{
+    for (Element element = 0; element < static_cast<Element>(elements.size()); ++element)
+        tested.Remove(&element);
+}
+
 template <typename Tested>
 std::int64_t WalkAll(Tested &tested)
 {
@@ -269,7 +278,7 @@ struct Inserting
         Tested tested;
         std::vector<Element> &shuffled = elements.Shuffle();
         const double seconds = Seconds([&] { AddAll(tested, shuffled); });
-        RemoveAll(tested, shuffled);
+        Clear(tested, shuffled);
         return seconds;
     }
 };
@@ -296,7 +305,7 @@ struct Walking
         std::vector<Element> &shuffled = elements.Shuffle();
         AddAll(tested, shuffled);
         const double seconds = Seconds([&] { benchmark::DoNotOptimize(WalkAll(tested)); });
-        RemoveAll(tested, shuffled);
+        Clear(tested, shuffled);
         return seconds;
     }
 };
