@@ -318,23 +318,23 @@ KnobIndex KnobList::FirstOfName() const
 Status readKnob(KnobList &knobs, const std::string &listFile)
 {
     FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "readKnob", "readKnob\n");
-    return WithoutExceptions([&] { return ReadKnobs(knobs, listFile, trace); });
+    return trace.Done(WithoutExceptions(trace, [&] { return ReadKnobs(knobs, listFile, trace); }));
 }
 
 Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record)
 {
     FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "getknobDetails", "getknobDetails\n");
-    return WithoutExceptions(
-        [&]
-        {
-            record.prompt = kNotAvailable;
-            record.description = kNotAvailable;
-            if (!ReadAttributes(knobNode, record))
-                return trace.LeaveUntraced(StatusCode::Failed);
-            if (!record.CurrentVal.empty())
-                ReadOptions(knobNode, record.options);
-            return trace.Done(StatusCode::Success);
-        });
+    return WithoutExceptions(trace,
+                             [&]
+                             {
+                                 record.prompt = kNotAvailable;
+                                 record.description = kNotAvailable;
+                                 if (!ReadAttributes(knobNode, record))
+                                     return trace.LeaveUntraced(StatusCode::Failed);
+                                 if (!record.CurrentVal.empty())
+                                     ReadOptions(knobNode, record.options);
+                                 return trace.Done(StatusCode::Success);
+                             });
 }
 
 Status readKnobNames(std::vector<std::string> &names, std::string path)

@@ -60,6 +60,10 @@ public:
     /// The first knob of each name; refers to the list's records.
     KnobIndex FirstOfName() const;
 
+    KnobList() = default;
+    KnobList(KnobList &&) = default;
+    KnobList &operator=(KnobList &&) = delete; // would free the memory before the records in it; Swap does not
+
     bool IsEmpty() const { return m_knobs.empty(); }
     std::size_t Size() const { return m_knobs.size(); }
     auto begin() const { return m_knobs.begin(); }

@@ -95,34 +95,34 @@ Status biosConfigurationLibInit(std::string /*componentName*/, std::string & /*e
 {
     InitDebugHandle(kComponentName, &libDebugHandle);
     FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "biosConfigurationLibInit", "biosConfigurationLibInit\n");
-    return WithoutExceptions([&] { return InitLibrary(trace); });
+    return WithoutExceptions(trace, [&] { return InitLibrary(trace); });
 }
 
 Status Exec(std::string command)
 {
     FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "Exec", "Exec\n");
-    return WithoutExceptions(
-        [&]
-        {
-            std::uint32_t exitCode = 0;
-            if (!Platform::RunCommand(command, exitCode))
-                return trace.LeaveUntraced(StatusCode::Failed);
-            switch (exitCode)
-            {
-            case 0:
-                return trace.Done(StatusCode::Success);
-            case 1:
-                return trace.LeaveUntraced(StatusCode::NotFound);
-            default:
-                return trace.LeaveUntraced(StatusCode::ToolFailed);
-            }
-        });
+    return WithoutExceptions(trace,
+                             [&]
+                             {
+                                 std::uint32_t exitCode = 0;
+                                 if (!Platform::RunCommand(command, exitCode))
+                                     return trace.LeaveUntraced(StatusCode::Failed);
+                                 switch (exitCode)
+                                 {
+                                 case 0:
+                                     return trace.Done(StatusCode::Success);
+                                 case 1:
+                                     return trace.LeaveUntraced(StatusCode::NotFound);
+                                 default:
+                                     return trace.LeaveUntraced(StatusCode::ToolFailed);
+                                 }
+                             });
 }
 
 Status writeKnob(std::string knobFile)
 {
     FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "writeKnob", "writeKnob\n");
-    return WithoutExceptions([&] { return ProgramKnobs(knobFile, trace); });
+    return WithoutExceptions(trace, [&] { return ProgramKnobs(knobFile, trace); });
 }
 
 bool isPassableToTool(std::string_view path)

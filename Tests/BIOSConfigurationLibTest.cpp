@@ -223,6 +223,8 @@ TEST_F(BIOSConfigurationLibTest, TellsWhyKnobsCannotBeRead)
         {"no markup", "", "readKnob - CCXmlGetRootElement return value is NULL\n", false},
         {"<System><biosknobs><k name='A'/></biosknobs></System>", "", "readKnob - Improper file provided\n", false},
         {"<SYSTEM/>", "", "no knobs found\n", true},
+        {"<!DOCTYPE SYSTEM [<!ENTITY biosknobs 'x'><!ENTITY b 'y'>]><SYSTEM>&biosknobs;&b;</SYSTEM>", "",
+         "no knobs found\n", true},
         {Knobs("<k/>"), "", "no knobs found\n", true},
         {good, m_machine.HostFile("list.txt"), "ReadKnob - failed , Improper file format provided \n", false},
         {good, m_machine.HostFile("empty.ini"), "ReadKnob - failed , Improper file- No Knobs found in file \n", false},
