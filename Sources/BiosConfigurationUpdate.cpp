@@ -7,9 +7,9 @@
 #include "Platform.h"
 
 #include <algorithm>
-#include <map>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -23,8 +23,13 @@ constexpr const char *kNotReady = "Failed to Update BIOS Settings. Please Enable
 constexpr const char *kNotProgrammed = "Failed to Update BIOS Settings, Please make sure all the provided options in "
                                        "the BKC Template are valid";
 
-/// Knob name to value; both point into texts that live longer.
-using AssignmentTable = std::map<std::string_view, std::string_view>;
+/// Both point into texts that live longer.
+struct Assignment
+{
+    std::string_view name;
+    std::string_view value;
+};
+using AssignmentTable = std::vector<Assignment>;
 
 /// What the host needs not get to see.
 struct OwnCaps
@@ -49,7 +54,32 @@ std::string_view TakeUpTo(char end, std::string_view &rest)
     return taken;
 }
 
-/// The records of a template, the first of each name.
+/// By name, and assignments of one name in the order of the template that they are parts of.
+bool StandsBefore(const Assignment &left, const Assignment &right)
+{
+    const int order = left.name.compare(right.name);
+    return order < 0 || (order == 0 && left.name.data() < right.name.data());
+}
+
+/// Sorts by name and keeps the first assignment of each.
+void SortAndDropRepeated(AssignmentTable &assignments)
+{
+    std::sort(assignments.begin(), assignments.end(), StandsBefore);
+    const auto isRepeated = [](const Assignment &first, const Assignment &next) { return first.name == next.name; };
+    assignments.erase(std::unique(assignments.begin(), assignments.end(), isRepeated), assignments.end());
+}
+
+/// Makes room for one more. Memory follows the number of different names, not of records.
+void MakeRoom(AssignmentTable &assignments)
+{
+    if (assignments.size() < assignments.capacity())
+        return;
+    SortAndDropRepeated(assignments);
+    if (assignments.size() > assignments.capacity() / 2)
+        assignments.reserve(assignments.capacity() * 2);
+}
+
+/// The records of a template, the first of each name, sorted by name.
 AssignmentTable SplitTemplate(std::string_view text)
 {
     AssignmentTable assignments;
@@ -57,8 +87,10 @@ AssignmentTable SplitTemplate(std::string_view text)
     {
         std::string_view record = TakeUpTo(';', text);
         const std::string_view name = TakeUpTo('=', record);
-        assignments.try_emplace(name, TakeUpTo('\n', record));
+        MakeRoom(assignments);
+        assignments.push_back({name, TakeUpTo('\n', record)});
     }
+    SortAndDropRepeated(assignments);
     return assignments;
 }
 
@@ -84,7 +116,7 @@ bool WriteLines(Platform::TextFileWriter &file, const AssignmentTable &assignmen
 {
     bool written = file.Write("[BiosKnobs]\n");
     for (auto assignment = assignments.begin(); written && assignment != assignments.end(); ++assignment)
-        written = file.Write(assignment->first) && file.Write("==") && file.Write(assignment->second) &&
+        written = file.Write(assignment->name) && file.Write("==") && file.Write(assignment->value) &&
                   file.Write("\n") && file.Flush();
     return written;
 }

@@ -147,7 +147,7 @@ TEST_F(BiosConfigurationUpdateTest, TurnsATemplateIntoAKnobFile)
 {
     const std::pair<std::string, std::string> cases[] = {
         {"A=1;B=2", "A==1\r\nB==2\r\n"},
-        {"B=2;A=1;B=3", "A==1\r\nB==2\r\n"},
+        {"B=2;A=1;B=3;A=4;A=5;B=6", "A==1\r\nB==2\r\n"},
         {"C=x=y;D", "C==x=y\r\nD==\r\n"},
         {"A=1;;B=2", "==\r\nA==1\r\nB==2\r\n"},
         {"A= 1 \r\nignored; B =2;\r\nC=3;", "\r\nC==3\r\n B ==2\r\nA== 1 \r\n"},
@@ -173,8 +173,11 @@ TEST_F(BiosConfigurationUpdateTest, TurnsATemplateIntoAKnobFile)
 TEST_F(BiosConfigurationUpdateTest, HoldsForATemplateOfAHundredMegabytes)
 {
     std::string text;
-    for (std::uint32_t number = 0; number < 100'000; ++number)
-        text += "Knob" + std::to_string(1'000'000 + number) + "=" + std::string(987, 'v') + ";";
+    for (const std::string &value : {std::string(987, 'v'), std::string("ignored")})
+    {
+        for (std::uint32_t number = 0; number < 100'000; ++number)
+            text += "Knob" + std::to_string(1'000'000 + number) + "=" + value + ";";
+    }
     MakeTemplate("t.txt", text);
     m_machine.UseFault("progknobsfromfile=exit:0");
     EXPECT_EQ(UpdateBiosSettings("t.txt", m_message, m_parameters), StatusCode::Success);
