@@ -6,9 +6,9 @@
 #include "ModuleDataWriter.h"
 #include "Platform.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -285,9 +285,11 @@ bool BiosConfigModule::IsGroupName(std::string &row)
         return false;
     }
     const std::size_t marker = row.find(kGroupMarker);
-    if (marker == std::string::npos)
-        return false;
-    row.resize(marker);
-    row.erase(0, 1);
-    return true;
+    if (marker != std::string::npos)
+    {
+        row.resize(marker);
+        row.erase(0, 1);
+    }
+    trace.Done(StatusCode::Success);
+    return marker != std::string::npos;
 }

@@ -51,12 +51,20 @@ public:
     template <typename Body>
     Status Run(Body &&body, std::source_location where = std::source_location::current())
     {
-        const Status status = RunWithoutExitLine(std::forward<Body>(body));
-        return status == StatusCode::Success ? m_trace.Done(status, where) : status;
+        return m_trace.Done(RunBody(std::forward<Body>(body)), where);
     }
 
     template <typename Body>
     Status RunWithoutExitLine(Body &&body)
+    {
+        return m_trace.LeaveUntraced(RunBody(std::forward<Body>(body)));
+    }
+
+    const FunctionTrace &Trace() const { return m_trace; }
+
+private:
+    template <typename Body>
+    Status RunBody(Body &&body)
     {
         if (m_status != StatusCode::Success)
             return m_status;
@@ -65,14 +73,9 @@ public:
             body();
             return m_status;
         };
-        const Status status = WithoutExceptions(runBody);
-        Check(status == StatusCode::Success, status, "not enough memory\n");
-        return m_trace.LeaveUntraced(status);
+        return WithoutExceptions(m_trace, runBody);
     }
 
-    const FunctionTrace &Trace() const { return m_trace; }
-
-private:
     FunctionTrace m_trace;
     Status m_status = StatusCode::Success;
 };

@@ -56,13 +56,27 @@ struct FreeXmlMemory
     void operator()(xmlChar *memory) const { xmlFree(memory); }
 };
 
-/// xmlNewNode and xmlNodeSetContent; null without memory.
+/// Whether an attribute that was set is there with its value; libxml2 leaves them out where memory did not suffice.
+bool HasAttribute(xmlNodePtr node, const char *name, bool empty)
+{
+    const xmlAttr *const attribute = xmlHasProp(node, AsXml(name));
+    return attribute && (empty || attribute->children);
+}
+
+struct FreeNode
+{
+    void operator()(xmlNodePtr node) const { xmlFreeNode(node); }
+};
+
+/// xmlNewNode and xmlNodeSetContent; null when memory did not suffice for all of it.
 xmlNodePtr NewElement(const char *name, const char *content)
 {
-    const xmlNodePtr node = xmlNewNode(nullptr, AsXml(name));
-    if (node && content)
-        xmlNodeSetContent(node, AsXml(content));
-    return node;
+    std::unique_ptr<xmlNode, FreeNode> node(xmlNewNode(nullptr, AsXml(name)));
+    if (!node || !node->name)
+        return nullptr;
+    if (content)
+        xmlNodeSetContent(node.get(), AsXml(content));
+    return content && *content && !node->children ? nullptr : node.release();
 }
 
 /// Appends `node`, or frees it when that fails.
@@ -86,9 +100,22 @@ char *MoveToCHeap(xmlChar *block, std::size_t size)
     return copy;
 }
 
+/// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
 bool Write(const std::string &fileName, xmlDocPtr document)
 {
-    return xmlSaveFile(Platform::NativePath(fileName).c_str(), document) != -1;
+    Platform::StreamOwner stream = Platform::OpenStream(fileName, "wb");
+    if (!stream || xmlDocDump(stream.get(), document) == -1)
+        return false;
+    return std::fclose(stream.release()) == 0;
+}
+
+/// A path that libxml2 opens as it stands.
+std::string PathForParser(const char *fileName)
+{
+    std::string path;
+    for (const char character : Platform::NativePath(fileName))
+        character == '%' ? path.append("%25") : path.append(1, character);
+    return path;
 }
 
 /// Writes beside the final place and renames. Writes directly only where the folder takes no new file or the system
@@ -143,7 +170,7 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName)
         {
             const QuietErrors quiet;
             if (fileName)
-                document = xmlReadFile(Platform::NativePath(fileName).c_str(), nullptr, 0);
+                document = xmlReadFile(PathForParser(fileName).c_str(), nullptr, 0);
             return StatusCode::Success;
         });
     if (!document)
@@ -180,6 +207,7 @@ xmlDocPtr CCXmlCreateDoc(const char *version)
 {
     const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlCreateDoc");
     TRACE(trace, TRACE_ENTRY, "Version passed is %s", version);
+    const QuietErrors quiet;
     const xmlDocPtr document = xmlNewDoc(AsXml(version));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
     return document;
@@ -300,7 +328,10 @@ Status CCXmlSave(const char *fileName, xmlDocPtr document)
     if (!fileName || !document)
         trace.Error("File name passed is NULL");
     else
-        status = WithoutExceptions([&] { return Save(fileName, document) ? StatusCode::Success : StatusCode::Failed; });
+    {
+        const auto save = [&] { return Save(fileName, document) ? StatusCode::Success : StatusCode::Failed; };
+        status = WithoutExceptions(save) == StatusCode::Success ? StatusCode::Success : StatusCode::Failed;
+    }
     TRACE(trace, TRACE_EXIT, "return status %d", status);
     return status;
 }
@@ -320,6 +351,9 @@ Status CCXmlFreeDocPtr(xmlDocPtr document)
 
 void CCXmlFreeNode(xmlNodePtr node)
 {
+    // Other kinds may belong to more than their parent, as an entity's declaration does to the document type.
+    if (!node || node->type != XML_ELEMENT_NODE)
+        return;
     xmlUnlinkNode(node);
     xmlFreeNode(node);
 }
@@ -334,6 +368,7 @@ char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
         trace.Text(TRACE_EXIT, "Return NULL");
         return nullptr;
     }
+    const QuietErrors quiet;
     char *const value = reinterpret_cast<char *>(xmlGetProp(node, AsXml(attributeName)));
     TRACE(trace, TRACE_EXIT, "Return value %s", value);
     return value;
@@ -366,5 +401,8 @@ xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string tex
 
 void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text)
 {
-    CCXmlSetAttributeValue(node, attributeName, MakeXmlText(std::move(text)).c_str());
+    const std::string value = MakeXmlText(std::move(text));
+    CCXmlSetAttributeValue(node, attributeName, value.c_str());
+    if (node && attributeName && !HasAttribute(node, attributeName, value.empty()))
+        throw std::bad_alloc();
 }

@@ -22,24 +22,33 @@ bool IsLowSurrogate(int character)
     return character >= 0xDC00 && character < 0xE000;
 }
 
-/// Takes one character, or two surrogates that make one, off the front; -1 with one byte taken when ill-formed.
+/// The surrogate that is encoded by itself at `position`, or 0. Decoded here, because libxml2's own decoder takes such
+/// bytes for ill-formed in later versions.
+int SurrogateAt(const xmlChar *position, const xmlChar *end)
+{
+    if (end - position < 3 || position[0] != 0xED || position[1] < 0xA0 || position[1] > 0xBF || position[2] < 0x80 ||
+        position[2] > 0xBF)
+        return 0;
+    return 0xD000 | (position[1] & 0x3F) << 6 | (position[2] & 0x3F);
+}
+
+/// Takes one character, or two surrogates that make one, off the front; -1 where there is none.
 int TakeCharacter(const xmlChar *&position, const xmlChar *end)
 {
-    const auto decode = [end](const xmlChar *from, int &length)
+    constexpr std::ptrdiff_t kSurrogateLength = 3;
+    if (const int first = SurrogateAt(position, end))
     {
-        length = static_cast<int>(end - from);
-        return xmlGetUTF8Char(from, &length);
-    };
-    int length = 0;
-    const int character = decode(position, length);
+        position += kSurrogateLength;
+        const int second = SurrogateAt(position, end);
+        if (!IsHighSurrogate(first) || !IsLowSurrogate(second))
+            return -1;
+        position += kSurrogateLength;
+        return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+    }
+    int length = static_cast<int>(end - position);
+    const int character = xmlGetUTF8Char(position, &length);
     position += character < 0 ? 1 : length;
-    if (!IsHighSurrogate(character) || position == end)
-        return character;
-    const int second = decode(position, length);
-    if (!IsLowSurrogate(second))
-        return character;
-    position += length;
-    return 0x10000 + ((character - 0xD800) << 10) + (second - 0xDC00);
+    return character;
 }
 
 } // namespace

@@ -112,6 +112,32 @@ TEST_F(EndToEndTest, ADamagedDumpGivesWhatCanBeReadAndNoOutput)
     EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
 }
 
+TEST_F(EndToEndTest, AProgrammedOptionIsInTheReportAfterTheRestart)
+{
+    fs::create_directory(m_machine.ToolFile("out"));
+    WriteFile(m_machine.ToolFile("out/bench.ini"), "earlier");
+    WriteFile(m_machine.HostFile("bench.ini"), "beside");
+    WriteFile(m_machine.HostFile("bench.txt"), "BootFast=Enabled;\r\nBootMode=Legacy");
+    const auto update = m_library.Find<decltype(UpdateBiosSettings)>("UpdateBiosSettings");
+    ASSERT_TRUE(update);
+    const std::ptrdiff_t openFiles = OpenFiles();
+    std::string message;
+    EXPECT_EQ(update(m_machine.HostDirectory() + "bench.txt", message, {{"toolxmlpath", m_machine.HostDirectory()}}),
+              StatusCode::Success);
+    EXPECT_EQ(OpenFiles(), openFiles);
+    EXPECT_EQ(ReadFile(m_machine.HostFile("bench.ini")), "beside");
+    EXPECT_EQ(ReadFile(m_machine.ToolFile("out/bench.ini")),
+              "[BiosKnobs]\r\n\r\nBootMode==Legacy\r\nBootFast==Enabled\r\n");
+    const std::string before = "<Row>\"BootFast\", \"Disabled\"";
+    EXPECT_NE(Report(OutputKind::UiXml).find(before), std::string::npos);
+    std::uint32_t exitCode = 1;
+    EXPECT_TRUE(Platform::RunCommand('"' + m_machine.ToolProgram() + "\" restart", exitCode));
+    const std::string after = Report(OutputKind::UiXml);
+    EXPECT_EQ(after.find(before), std::string::npos);
+    EXPECT_NE(after.find("<Row>\"BootFast\", \"Enabled\""), std::string::npos);
+    EXPECT_NE(after.find("<Row>\"BootMode\", \"Legacy\""), std::string::npos);
+}
+
 TEST_F(EndToEndTest, BytesThatAreNotUtf8CostNoRow)
 {
     m_machine.UseDump("<?xml version='1.0' encoding='ISO-8859-1'?><SYSTEM><biosknobs><k name='\xE9' prompt='&#x1F600; "

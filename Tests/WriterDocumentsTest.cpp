@@ -122,11 +122,10 @@ TEST(WriterDocuments, AreWhatTheCasesSay)
         OutputKind kind;
         const char *writerClass;
         std::size_t cases;
-    } writers[] = {{OutputKind::LogXml, "ModuleLogXMLWriter", 10},
-                   {OutputKind::LogHtml, "ModuleLogHTMLWriter", 10},
-                   {OutputKind::LogHtmlXml, "ModuleLogHTMLXMLWriter", 4},
-                   {OutputKind::LogJson, "ModuleLogJSONWriter", 11},
-                   {OutputKind::UiJson, "ModuleUIJSONWriter", 10}};
+    } writers[] = {
+        {OutputKind::UiXml, "ModuleUIXMLWriter", 3},      {OutputKind::LogXml, "ModuleLogXMLWriter", 10},
+        {OutputKind::LogHtml, "ModuleLogHTMLWriter", 10}, {OutputKind::LogHtmlXml, "ModuleLogHTMLXMLWriter", 4},
+        {OutputKind::LogJson, "ModuleLogJSONWriter", 11}, {OutputKind::UiJson, "ModuleUIJSONWriter", 10}};
     for (const auto &[kind, writerClass, count] : writers)
     {
         const std::vector<Case> cases = ReadCases(writerClass);

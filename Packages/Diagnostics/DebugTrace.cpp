@@ -160,8 +160,8 @@ void PrintToSinks(const DebugHandle_t &handle, const Line &line)
         line.Print(handle.customPrint);
 }
 
-Status TraceArguments(const DebugHandle_t *handle, const char *functionName, std::uint32_t line, std::uint32_t level,
-                      const char *format, va_list arguments)
+Status TraceArguments(const DebugHandle_t *handle, const char * /*sourceFile*/, const char *functionName,
+                      std::uint32_t line, std::uint32_t level, const char *format, va_list arguments)
 {
     if (!handle)
         return StatusCode::Missing;
@@ -184,12 +184,12 @@ Status TraceArguments(const DebugHandle_t *handle, const char *functionName, std
 
 } // namespace
 
-Status DebugTrace(const DebugHandle_t *handle, const char * /*sourceFile*/, const char *functionName,
-                  std::uint32_t line, std::uint32_t level, const char *format, ...)
+Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName, std::uint32_t line,
+                  std::uint32_t level, const char *format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    const Status status = TraceArguments(handle, functionName, line, level, format, arguments);
+    const Status status = TraceArguments(handle, sourceFile, functionName, line, level, format, arguments);
     va_end(arguments);
     return status;
 }
@@ -198,6 +198,6 @@ void FunctionTrace::Line(std::uint32_t line, std::uint32_t level, const char *fo
 {
     std::va_list arguments;
     va_start(arguments, format);
-    TraceArguments(m_handle, m_functionName, line, level, format, arguments);
+    TraceArguments(m_handle, m_sourceFile, m_functionName, line, level, format, arguments);
     va_end(arguments);
 }

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "StatusCode.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+/// Which child of a tree's node; the other one is `1 - side`.
+using TreeSide_t = std::size_t;
+constexpr TreeSide_t kLeft = 0;
+constexpr TreeSide_t kRight = 1;
+
+/// Where data with the comparison result `order` goes below a node: equal data goes to the right.
+constexpr TreeSide_t SideFor(std::int32_t order)
+{
+    return order < 0 ? kLeft : kRight;
+}
+
+/// More levels than a balanced tree in memory can have.
+constexpr std::size_t kMaxTreeLevels = 99;
+
+/// Visits a tree's elements in order, with a stack of its own, and remembers where it stands: asking for the indexes
+/// 0, 1, 2, ... costs one step each. Forget it whenever the tree changes. One per tree, used under the tree's mutex.
+template <typename Node>
+class TreeWalk
+{
+public:
+    /// Leaves the walk where it is at the end of a tree, behind every index.
+    void Forget()
+    {
+        m_depth = 0;
+        m_index = std::numeric_limits<std::uint32_t>::max();
+    }
+
+    /// Stores the element at `index` of the tree below `root`, whose missing children are `none`, into `data`. Returns
+    /// Success; NotFound for an index at or beyond the element count; Failed for a tree of more than kMaxTreeLevels.
+    Status Retrieve(Node *root, const Node *none, std::uint32_t index, void *&data)
+    {
+        if (index < m_index && !Start(root, none))
+            return StatusCode::Failed;
+        while (m_index < index && m_depth > 0)
+            if (!Step(none))
+                return StatusCode::Failed;
+        if (m_depth == 0)
+            return StatusCode::NotFound;
+        data = m_stack[m_depth - 1]->data;
+        return StatusCode::Success;
+    }
+
+private:
+    bool Start(Node *root, const Node *none)
+    {
+        m_depth = 0;
+        m_index = 0;
+        return Descend(root, none);
+    }
+
+    bool Step(const Node *none)
+    {
+        ++m_index;
+        return Descend(m_stack[--m_depth]->child[kRight], none);
+    }
+
+    /// Stacks `node` and everything to its left.
+    bool Descend(Node *node, const Node *none)
+    {
+        for (; node != none; node = node->child[kLeft])
+        {
+            if (m_depth == kMaxTreeLevels)
+            {
+                Forget();
+                return false;
+            }
+            m_stack[m_depth++] = node;
+        }
+        return true;
+    }
+
+    /// The node at m_index on top, below it those that come after it and whose left side it stands in.
+    Node *m_stack[kMaxTreeLevels];
+    std::size_t m_depth = 0;
+    std::uint32_t m_index = std::numeric_limits<std::uint32_t>::max();
+};
