@@ -58,6 +58,34 @@ Status ProgramKnobs(const std::string &knobFile, FunctionTrace &trace)
     return trace.Done(status);
 }
 
+/// The library's opens of its handle, which are given back when it is unloaded.
+struct HandleOpens
+{
+    ~HandleOpens()
+    {
+        for (; count > 0; --count)
+            UnInitDebugHandle(libDebugHandle);
+    }
+
+    std::uint32_t count = 0;
+};
+
+HandleOpens handleOpens;
+
+/// Opens the library's handle once more; it keeps the one it has where that fails. A handle counts to 65535, so a host
+/// that asks for more reports than that gets no further opens counted.
+void OpenLibraryHandle()
+{
+    constexpr std::uint32_t kMostOpens = 60000;
+    if (handleOpens.count == kMostOpens)
+        return;
+    DebugHandle_t *handle = nullptr;
+    if (InitDebugHandle(kComponentName, &handle) != StatusCode::Success)
+        return;
+    libDebugHandle = handle;
+    ++handleOpens.count;
+}
+
 } // namespace
 
 std::string ToolCommand(const std::string &command)
@@ -93,7 +121,7 @@ Status GetEnvironmentalVaribaleBiosLib(std::string variableName, std::string &pa
 
 Status biosConfigurationLibInit(std::string /*componentName*/, std::string & /*extra*/)
 {
-    InitDebugHandle(kComponentName, &libDebugHandle);
+    OpenLibraryHandle();
     FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "biosConfigurationLibInit", "biosConfigurationLibInit\n");
     return WithoutExceptions(trace, [&] { return InitLibrary(trace); });
 }

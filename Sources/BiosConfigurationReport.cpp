@@ -25,7 +25,7 @@ constexpr const char *kTabHeader = "Name,Value,Prompt,Description";
 constexpr const char *kDefaultGroup = "Bios Options";
 constexpr const char *kNoDescription = "Not Available";
 constexpr const char *kGroupMarker = "#GROUPNAME";
-constexpr std::string_view kCellSeparator = "\", \"";
+constexpr std::string_view kCellSeparator = ModuleDataWriter::kCellSeparator;
 constexpr const char *kUnavailableRow = "\"Bios Options\", \"FENRIK is not enabled on this platform\", "
                                         "\"Check whether FENRIK is supported \", "
                                         "\"If Supported Enable FENRIK in BIOS to see the data\"";

@@ -2,6 +2,7 @@
 
 #include "StatusCode.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -38,6 +39,16 @@ enum TraceFormat : std::uint32_t
     FORMAT_ALL = 15
 };
 
+/// The flags of a handle, as debug.conf and the setters name them.
+enum DebugFlag : std::uint32_t
+{
+    FLAG_SYNC_PACKAGE_FILE = 1,
+    FLAG_LOCKED = 2,
+    FLAG_THREADED = 4,
+    FLAG_LOG_TO_PACKAGE_FILE = 8,
+    FLAG_ALL = 15
+};
+
 using ConsolePrint_t = int (*)(const char *format, ...);
 using FilePrint_t = int (*)(std::FILE *stream, const char *format, ...);
 /// Gets a line's levels (those in the mask), its message without the fields in front, and the size of the message
@@ -45,7 +56,7 @@ using FilePrint_t = int (*)(std::FILE *stream, const char *format, ...);
 using TraceCallback_t = Status (*)(std::uint32_t level, const char *message, std::uint32_t bufferSize);
 
 /// The trace settings of one component. The library owns the record; a component keeps a pointer to it from
-/// InitDebugHandle to UnInitDebugHandle. Streams belong to whoever opened them.
+/// InitDebugHandle to UnInitDebugHandle. Streams belong to whoever opened them, those of debug.conf to the library.
 struct DebugHandle_t
 {
     /// 1 once the record is initialised.
@@ -64,7 +75,7 @@ struct DebugHandle_t
     std::uint64_t outputType = OUTPUT_CONSOLE;
     /// Enabled levels, of TraceLevel.
     std::uint64_t traceType = 0;
-    /// Opens not yet released; at most 65535.
+    /// Opens not yet released; those beyond 65535 are not counted.
     std::uint16_t refCount = 0;
     /// Flush the file after every line.
     bool syncPackageFile = false;
@@ -83,12 +94,34 @@ struct DebugHandle_t
     const char *componentName = nullptr;
 };
 
+/// Where a handle keeps a flag.
+struct FlagField
+{
+    DebugFlag flag;
+    bool DebugHandle_t::*field;
+};
+
+constexpr FlagField kFlagFields[] = {{FLAG_SYNC_PACKAGE_FILE, &DebugHandle_t::syncPackageFile},
+                                     {FLAG_LOCKED, &DebugHandle_t::locked},
+                                     {FLAG_THREADED, &DebugHandle_t::threaded},
+                                     {FLAG_LOG_TO_PACKAGE_FILE, &DebugHandle_t::logToPackageFile}};
+
 /// Opens the trace handle of the component `componentName` (any text, also an empty one; compared byte for byte) and
-/// stores it into `*handle`. Components of one name share one handle. `*handle` is set to null first and stays null
-/// on failure. Returns Success; Missing when an argument is null; NoMemory; Failed when the handle's mutex cannot be
-/// had. Handles are opened and released from one thread at a time.
+/// stores it into `*handle`. Components of one name share one handle, whose settings an open leaves as they are; a new
+/// one gets what debug.conf in the working directory says of it. That file is read at the first open, and again only
+/// at the first one after the last handle was released. `*handle` is set to null first and stays null on failure.
+/// Returns Success; Missing when an argument is null; NoMemory; Failed when the handle's mutex or a log file that
+/// debug.conf gives it cannot be had; what InitContainer and Insert return. Handles are opened and released from one
+/// thread at a time.
 Status InitDebugHandle(const char *componentName, DebugHandle_t **handle);
 
-/// Releases one open of `handle`; the last one frees it. Returns Success; Missing for null; Failed when no open
-/// handle has its component name.
+/// Releases one open of `handle`; the last one frees it, and with the last handle of all the log files are closed and
+/// debug.conf is forgotten. Returns Success; Missing for null; Failed when no open handle has its component name. What
+/// is still open when the library is unloaded, is released then.
 Status UnInitDebugHandle(DebugHandle_t *handle);
+
+constexpr std::size_t kDebugVersionSize = 16;
+
+/// Copies the version record, four zero-terminated texts in fields of 3, 3, 5 and 5 bytes, into the kDebugVersionSize
+/// bytes at `buffer`; all zero bytes before the first InitDebugHandle. Returns Success; Missing for null.
+Status GetDebugLibVersion(char *buffer);

@@ -27,7 +27,8 @@ The module runs an external tool that it finds through the environment variable 
 In the tool directory it reads CapsList.json and records errors in Error.xml; a copy of each report goes into
 the folder ModuleData there, if that folder exists.
 
-What an update has programmed takes effect when the machine is restarted.
+Traces are switched on by a file debug.conf in the working directory. What an update has programmed takes
+effect when the machine is restarted.
 
 Data and the outcome of an update go to standard output; messages, traces and what the external
 tool prints go to standard error.

@@ -1,4 +1,5 @@
 #include "Arguments.h"
+#include "DebugConfCheck.h"
 #include "ErrorFileWatch.h"
 #include "ExitCode.h"
 #include "ModuleHost.h"
@@ -133,6 +134,8 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
     const std::string toolDirectory = ToolDirectory(arguments);
     const bool report = arguments.command == Arguments::Command::Report;
     const ErrorFileWatch watch(toolDirectory + "Error.xml");
+    for (const std::string &fault : CheckDebugConf())
+        Tell(fault);
     if (report)
         RequireWritable(watch.Path());
     try

@@ -41,18 +41,19 @@ std::int32_t Height(const AVLNode_t *node)
     return node ? node->height : 0;
 }
 
-void UpdateHeight(AVLNode_t &node)
+void UpdateHeight(AVLNode_t *node)
 {
-    node.height = 1 + std::max(Height(node.child[kLeft]), Height(node.child[kRight]));
+    node->height = 1 + std::max(Height(node->child[kLeft]), Height(node->child[kRight]));
 }
 
 /// Lowers `node` to the given side and returns its child from the other one, lifted into its place.
 AVLNode_t *Rotate(AVLNode_t *node, TreeSide_t side)
 {
     AVLNode_t *const lifted = node->child[1 - side];
+    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): a higher side is not empty.
     node->child[1 - side] = std::exchange(lifted->child[side], node);
-    UpdateHeight(*node);
-    UpdateHeight(*lifted);
+    UpdateHeight(node);
+    UpdateHeight(lifted);
     return lifted;
 }
 
@@ -73,7 +74,7 @@ AVLNode_t *Restore(AVLNode_t *node)
         return RotateFrom(node, kLeft);
     if (balance < -1)
         return RotateFrom(node, kRight);
-    UpdateHeight(*node);
+    UpdateHeight(node);
     return node;
 }
 
