@@ -18,10 +18,13 @@ constexpr const char *kSourceFile = "BiosConfiguration";
 constexpr const char *kUpdateTitle = "Update Bios Settings";
 constexpr const char *kTextExtension = "txt";
 constexpr const char *kKnobFileExtension = "ini";
-constexpr const char *kUpdated = "BIOS settings updated successfully. Please reboot the system to reflect the changes";
-constexpr const char *kNotReady = "Failed to Update BIOS Settings. Please Enable FENRIK to support this option";
-constexpr const char *kNotProgrammed = "Failed to Update BIOS Settings, Please make sure all the provided options in "
-                                       "the BKC Template are valid";
+constexpr std::string_view kUpdated =
+    "BIOS settings updated successfully. Please reboot the system to reflect the changes";
+constexpr std::string_view kNotReady = "Failed to Update BIOS Settings. Please Enable FENRIK to support this option";
+constexpr std::string_view kNotProgrammed =
+    "Failed to Update BIOS Settings, Please make sure all the provided options in "
+    "the BKC Template are valid";
+constexpr std::size_t kLongestMessage = std::max({kUpdated.size(), kNotReady.size(), kNotProgrammed.size()});
 
 /// Both point into texts that live longer.
 struct Assignment
@@ -179,6 +182,8 @@ Status BiosConfigModule::UpdateSettings(const std::string &templatePath, std::st
         return StatusCode::Failed;
     }
 
+    // Once the options are programmed, the outcome must be told.
+    message.reserve(kLongestMessage);
     OwnCaps caps;
     Status status = InitModule(caps.records, std::move(params));
     if (status != StatusCode::Success)
@@ -194,7 +199,7 @@ Status BiosConfigModule::UpdateSettings(const std::string &templatePath, std::st
         message = kNotReady;
         return status;
     }
-    status = ProgramTemplate(templatePath);
+    status = WithoutExceptions([&] { return ProgramTemplate(templatePath); });
     if (status != StatusCode::Success)
         RecordFailure(trace, TRACE_ERROR, "Failed to Write to knobs\n", "Failed to Write to knobs", kUpdateTitle);
     message = status == StatusCode::Success ? kUpdated : kNotProgrammed;
