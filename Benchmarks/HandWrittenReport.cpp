@@ -1,21 +1,16 @@
 #include "HandWrittenReport.h"
 
+#include "HandWrittenFormats.h"
+
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
-#include <map>
-#include <sstream>
 
 namespace
 {
-
-const xmlChar *AsXml(const char *text)
-{
-    return reinterpret_cast<const xmlChar *>(text);
-}
 
 constexpr std::array kAttributes = {"type", "setupType", "name",  "varstoreIndex", "prompt",  "description", "UqiVal",
                                     "size", "offset",    "depex", "SetupPgPtr",    "default", "CurrentVal"};
@@ -84,28 +79,14 @@ std::string FindOption(xmlNodePtr knob, const xmlChar *current)
     return found;
 }
 
-void AppendCell(std::string &row, const char *text)
-{
-    for (const char *found = std::strchr(text, '&'); found; found = std::strchr(text, '&'))
-    {
-        row.append(text, found).append("&amp;");
-        text = found + 1;
-    }
-    row += text;
-}
-
-using Groups = std::map<std::string, xmlNodePtr>;
-
-xmlNodePtr FindGroup(Groups &groups, const char *page)
+std::string GroupName(const char *page)
 {
     const char *const slash = std::strchr(page, '/');
-    xmlNodePtr &group = groups[slash && slash != page ? std::string(page, slash) : "Bios Options"];
-    if (!group)
-        group = xmlNewNode(nullptr, AsXml("Group"));
-    return group;
+    return slash && slash != page ? std::string(page, slash) : "Bios Options";
 }
 
-void AddRow(xmlNodePtr knob, Groups &groups)
+template <typename Format>
+void AddKnob(xmlNodePtr knob, Format &format)
 {
     std::array<xmlChar *, kAttributes.size()> values = {};
     for (std::size_t index = 0; index < kAttributes.size(); ++index)
@@ -114,40 +95,24 @@ void AddRow(xmlNodePtr knob, Groups &groups)
     if (values[Name] && std::strcmp(text(Name), "TpmDevice") != 0)
     {
         const std::string value = FindOption(knob, values[Current]);
-        std::string row = "\"";
-        AppendCell(row, text(Name));
-        row += "\", \"";
-        AppendCell(row, value.c_str());
-        row += "\", \"";
-        AppendCell(row, text(Prompt));
-        row += "\", \"";
-        AppendCell(row, text(Description));
-        row += '"';
-        const xmlNodePtr node = xmlNewNode(nullptr, AsXml("Row"));
-        xmlNodeSetContent(node, AsXml(row.c_str()));
-        xmlAddChild(FindGroup(groups, text(Page)), node);
+        format.Add({text(Name), value.c_str(), text(Prompt), text(Description), GroupName(text(Page))});
     }
     for (xmlChar *const value : values)
         xmlFree(value);
 }
 
-xmlDocPtr BuildReport(const Groups &groups)
+template <typename Format>
+std::string MakeReport(const std::string &dumpPath)
 {
-    const xmlDocPtr report = xmlNewDoc(nullptr);
-    const xmlNodePtr root = xmlNewNode(nullptr, AsXml("TreeItem"));
-    xmlDocSetRootElement(report, root);
-    xmlSetProp(root, AsXml("Name"), AsXml("BIOS Options"));
-    const xmlNodePtr tabs = xmlAddChild(root, xmlNewNode(nullptr, AsXml("TabControl")));
-    const xmlNodePtr tab = xmlAddChild(tabs, xmlNewNode(nullptr, AsXml("Tab")));
-    xmlSetProp(tab, AsXml("Name"), AsXml("Bios Options"));
-    const xmlNodePtr grid = xmlAddChild(tab, xmlNewNode(nullptr, AsXml("Grid")));
-    xmlNewChild(grid, nullptr, AsXml("Header"), AsXml("Name,Value,Prompt,Description"));
-    for (const auto &[name, group] : groups)
+    Format format;
+    const xmlDocPtr dump = ParseStripped(dumpPath);
+    for (xmlNodePtr knob = xmlDocGetRootElement(dump)->children->children; knob; knob = knob->next)
     {
-        xmlAddChild(grid, group);
-        xmlSetProp(group, AsXml("Name"), AsXml(name.c_str()));
+        if (knob->type == XML_ELEMENT_NODE)
+            AddKnob(knob, format);
     }
-    return report;
+    xmlFreeDoc(dump);
+    return format.Finish();
 }
 
 void WriteReport(const std::string &path, const std::string &report)
@@ -168,23 +133,29 @@ void WriteReport(const std::string &path, const std::string &report)
 
 } // namespace
 
-std::string HandWrittenReport(const std::string &dumpPath, const std::string &reportPath)
+std::string HandWrittenReport(OutputKind kind, const std::string &dumpPath, const std::string &reportPath)
 {
-    const xmlDocPtr dump = ParseStripped(dumpPath);
-    Groups groups;
-    for (xmlNodePtr knob = xmlDocGetRootElement(dump)->children->children; knob; knob = knob->next)
+    std::string report;
+    switch (kind)
     {
-        if (knob->type == XML_ELEMENT_NODE)
-            AddRow(knob, groups);
+    case OutputKind::LogXml:
+        report = MakeReport<LogXml>(dumpPath);
+        break;
+    case OutputKind::LogHtml:
+        report = MakeReport<LogHtml>(dumpPath);
+        break;
+    case OutputKind::LogHtmlXml:
+        report = MakeReport<LogHtmlXml>(dumpPath);
+        break;
+    case OutputKind::LogJson:
+        report = MakeReport<LogJson>(dumpPath);
+        break;
+    case OutputKind::UiJson:
+        report = MakeReport<UiJson>(dumpPath);
+        break;
+    default:
+        report = MakeReport<UiXml>(dumpPath);
     }
-    xmlFreeDoc(dump);
-    const xmlDocPtr document = BuildReport(groups);
-    xmlChar *block = nullptr;
-    int size = 0;
-    xmlDocDumpMemory(document, &block, &size);
-    std::string report(reinterpret_cast<const char *>(block), static_cast<std::size_t>(size));
-    xmlFree(block);
-    xmlFreeDoc(document);
     WriteReport(reportPath, report);
     return report;
 }

@@ -2,6 +2,7 @@
 // the time goes. The external tool is a program that does nothing; its dump lies ready.
 
 #include "BiosConfiguration.h"
+#include "CopyingJSONWriter.h"
 #include "GeneratedDump.h"
 #include "HandWrittenReport.h"
 #include "HeapMeter.h"
@@ -67,18 +68,17 @@ void RunTool(const Machine &machine)
         Platform::RunCommand(machine.ToolCommand() + command, exitCode);
 }
 
-std::string ModuleReport(BiosConfigModule &module)
+std::string ModuleReport(BiosConfigModule &module, OutputKind kind)
 {
-    constexpr OutputKind kind = OutputKind::UiXml;
     std::string report;
     module.GetData("bios", &kind, &report);
     return report;
 }
 
-std::string HandWritten(const Machine &machine)
+std::string HandWritten(const Machine &machine, OutputKind kind)
 {
     RunTool(machine);
-    return HandWrittenReport(machine.DumpPath(), machine.Directory() + "ModuleData/hand_UI_XML");
+    return HandWrittenReport(kind, machine.DumpPath(), machine.Directory() + "ModuleData/hand_written");
 }
 
 double Seconds(const auto &work)
@@ -111,12 +111,12 @@ void InitModule(BiosConfigModule &module, const Machine &machine)
 
 /// GetData and the hand-written function in turn, so that both see the same machine; the counters give the medians'
 /// ratio, the peak memory's, and the time per option.
-void ReportAgainstHandWritten(benchmark::State &state)
+void ReportAgainstHandWritten(benchmark::State &state, OutputKind kind)
 {
     const Machine machine(state.range(0));
     BiosConfigModule module;
     InitModule(module, machine);
-    if (ModuleReport(module) != HandWritten(machine))
+    if (ModuleReport(module, kind) != HandWritten(machine, kind))
     {
         state.SkipWithError("the two reports differ");
         return;
@@ -125,12 +125,12 @@ void ReportAgainstHandWritten(benchmark::State &state)
     std::vector<double> handTimes;
     for (auto _ : state)
     {
-        moduleTimes.push_back(Seconds([&] { ModuleReport(module); }));
-        handTimes.push_back(Seconds([&] { HandWritten(machine); }));
+        moduleTimes.push_back(Seconds([&] { ModuleReport(module, kind); }));
+        handTimes.push_back(Seconds([&] { HandWritten(machine, kind); }));
         state.SetIterationTime(moduleTimes.back());
     }
-    const auto modulePeak = PeakBytes([&] { ModuleReport(module); });
-    const auto handPeak = PeakBytes([&] { HandWritten(machine); });
+    const auto modulePeak = PeakBytes([&] { ModuleReport(module, kind); });
+    const auto handPeak = PeakBytes([&] { HandWritten(machine, kind); });
     state.counters["time_ratio"] = Median(moduleTimes) / Median(handTimes);
     state.counters["peak_ratio"] = static_cast<double>(modulePeak) / static_cast<double>(handPeak);
     state.counters["ns_per_option"] = Median(moduleTimes) * 1e9 / static_cast<double>(state.range(0));
@@ -184,23 +184,49 @@ std::vector<std::string> MakeRows(std::int64_t count)
     return rows;
 }
 
+/// The calls of a report with its rows in groups of a hundred.
+std::string RunWriter(ModuleDataWriter &writer, const std::vector<std::string> &rows)
+{
+    writer.Initialize("BIOS Options", "");
+    writer.AddTab("Bios Options", "Name,Value,Prompt,Description");
+    for (std::size_t index = 0; index < rows.size(); ++index)
+    {
+        if (index % 100 == 0)
+            writer.AddGroup("Page");
+        writer.AddRow(rows[index]);
+    }
+    std::string report;
+    writer.CopyDataToBuffer(report);
+    writer.UnInitialize();
+    return report;
+}
+
 /// The writer alone, from the first row to the finished text.
-void Writer(benchmark::State &state)
+void Writer(benchmark::State &state, OutputKind kind)
 {
     const std::vector<std::string> rows = MakeRows(state.range(0));
     for (auto _ : state)
     {
-        const ModuleDataWriterOwner writer(CreateModuleDataWriter(OutputKind::UiXml));
-        writer->Initialize("BIOS Options", "");
-        writer->AddTab("Bios Options", "Name,Value,Prompt,Description");
-        writer->AddGroup("Main");
-        for (const std::string &row : rows)
-            writer->AddRow(row);
-        std::string report;
-        writer->CopyDataToBuffer(report);
-        writer->UnInitialize();
-        benchmark::DoNotOptimize(report);
+        const ModuleDataWriterOwner writer(CreateModuleDataWriter(kind));
+        benchmark::DoNotOptimize(RunWriter(*writer, rows));
     }
+}
+
+/// A JSON writer beside one that copies wherever a part of the document is completed.
+void WriterAgainstCopying(benchmark::State &state, OutputKind kind)
+{
+    const std::vector<std::string> rows = MakeRows(state.range(0));
+    std::vector<double> movingTimes;
+    std::vector<double> copyingTimes;
+    for (auto _ : state)
+    {
+        const ModuleDataWriterOwner writer(CreateModuleDataWriter(kind));
+        CopyingJSONWriter copying(kind);
+        movingTimes.push_back(Seconds([&] { RunWriter(*writer, rows); }));
+        copyingTimes.push_back(Seconds([&] { RunWriter(copying, rows); }));
+        state.SetIterationTime(movingTimes.back());
+    }
+    state.counters["time_ratio"] = Median(movingTimes) / Median(copyingTimes);
 }
 
 void WriteFile(benchmark::State &state)
@@ -223,12 +249,26 @@ void Sizes(benchmark::internal::Benchmark *benchmark)
     benchmark->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(ReportAgainstHandWritten)->Apply(Sizes)->UseManualTime()->MinTime(3.0);
+#define BENCHMARK_KIND(benchmark, kind) BENCHMARK_CAPTURE(benchmark, kind, OutputKind::kind)->Apply(Sizes)
+#define BENCHMARK_REPORT(kind) BENCHMARK_KIND(ReportAgainstHandWritten, kind)->UseManualTime()->MinTime(3.0)
+BENCHMARK_REPORT(UiXml);
+BENCHMARK_REPORT(LogXml);
+BENCHMARK_REPORT(LogHtml);
+BENCHMARK_REPORT(LogHtmlXml);
+BENCHMARK_REPORT(LogJson);
+BENCHMARK_REPORT(UiJson);
+BENCHMARK_KIND(WriterAgainstCopying, LogJson)->UseManualTime();
+BENCHMARK_KIND(WriterAgainstCopying, UiJson)->UseManualTime();
 BENCHMARK(ToolRuns)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReadFile)->Apply(Sizes);
 BENCHMARK(ParseAlone)->Apply(Sizes);
 BENCHMARK(Records)->Apply(Sizes);
-BENCHMARK(Writer)->Apply(Sizes);
+BENCHMARK_KIND(Writer, UiXml);
+BENCHMARK_KIND(Writer, LogXml);
+BENCHMARK_KIND(Writer, LogHtml);
+BENCHMARK_KIND(Writer, LogHtmlXml);
+BENCHMARK_KIND(Writer, LogJson);
+BENCHMARK_KIND(Writer, UiJson);
 BENCHMARK(WriteFile)->Apply(Sizes);
 
 } // namespace

@@ -19,8 +19,9 @@ namespace Platform
 /// Runs `commandLine` (ANSI code page on Windows; the program first, quoted where it holds blanks), waits without
 /// limit and stores the exit code. The child shows no window and inherits environment, current directory and
 /// standard handles. Returns false when the program could not be started; `exitCode` is then unchanged. A child
-/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`.
-/// Windows: CreateProcessA, WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn, waitpid.
+/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`; on POSIX that is every child of
+/// a process that ignores SIGCHLD, since the system then keeps no exit codes. Windows: CreateProcessA,
+/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn, waitpid.
 bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode);
 
 /// The exit code given for a child that ended without one of its own.

@@ -1,5 +1,6 @@
 #include "BIOSConfigurationLib.h"
 
+#include "BIOSConfigurationTool.h"
 #include "DebugTrace.h"
 #include "ExceptionBarrier.h"
 #include "Platform.h"
@@ -8,27 +9,16 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 namespace
 {
 
-constexpr const char *kSourceFile = "BIOSConfigurationLib";
-constexpr const char *kComponentName = "BiosConfigurationModule";
-constexpr const char *kProgramFilesVariable = "ProgramFiles";
-constexpr const char *kToolSubdirectory = "\\Quenor Corporation\\Quenor(R) Tarnwell Tool\\SupportedBinaries\\FENRIK\\";
-constexpr const char *kToolProgram = "FenrikBinary\\FenrikCmd.exe";
-constexpr const char *kOutFolder = "out";
 constexpr const char *kDumpFile = "FenrikOutput.xml";
-constexpr const char *kListFileExtension = "ini";
 
 /// The tool's own entry for its security device; not a BIOS option.
 constexpr const char *kHiddenKnob = "TpmDevice";
 constexpr const char *kNotAvailable = "NA";
-
-std::string toolDirectory;
-DebugHandle_t *libDebugHandle = nullptr;
 
 struct KnobAttribute
 {
@@ -67,36 +57,10 @@ struct XmlBracket
     XmlBracket &operator=(const XmlBracket &) = delete;
 };
 
-std::string Quoted(const std::string &text)
-{
-    return '"' + text + '"';
-}
-
-std::string QuotedTool(const std::string &directory)
-{
-    return Quoted(directory + kToolProgram);
-}
-
 bool HasName(xmlNodePtr node, const char *wanted)
 {
     const char *const name = CCXmlGetNodeElementName(node);
     return name && std::strcmp(name, wanted) == 0;
-}
-
-char LowerAscii(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
-/// Whether the text after the last "." of a file name is "ini" in any letter case. A name without "." passes.
-bool HasListFileExtension(const std::string &fileName)
-{
-    const std::size_t dot = fileName.rfind('.');
-    if (dot == std::string::npos)
-        return true;
-    std::string extension = fileName.substr(dot + 1);
-    std::transform(extension.begin(), extension.end(), extension.begin(), LowerAscii);
-    return extension == kListFileExtension;
 }
 
 void AppendKnobName(std::vector<std::string> &names, std::string_view line)
@@ -232,10 +196,7 @@ KnobList CollectKnobs(xmlNodePtr knobsNode)
 /// Appends the first knob of each name, in the order of the names.
 void AppendNamedKnobs(const KnobList &all, const std::vector<std::string> &names, KnobList &knobs)
 {
-    std::unordered_map<std::string_view, const KnobDetails *> firstOfName;
-    firstOfName.reserve(all.Size());
-    for (const KnobDetails &knob : all)
-        firstOfName.try_emplace(knob.name, &knob);
+    const KnobIndex firstOfName = all.FirstOfName();
     for (const std::string &name : names)
     {
         const auto found = firstOfName.find(name);
@@ -246,7 +207,7 @@ void AppendNamedKnobs(const KnobList &all, const std::vector<std::string> &names
 
 Status ReadListFile(const std::string &listFile, std::vector<std::string> &names, FunctionTrace &trace)
 {
-    if (!HasListFileExtension(listFile))
+    if (!HasIniExtension(listFile))
         return trace.Fail(StatusCode::Failed, "ReadKnob - failed , Improper file format provided \n");
     const Status status = readKnobNames(names, listFile);
     if (status != StatusCode::Success)
@@ -296,7 +257,7 @@ Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::
 
 Status ReadKnobs(KnobList &knobs, const std::string &listFile, FunctionTrace &trace)
 {
-    Status status = Exec(QuotedTool(toolDirectory) + " savexml " + Quoted(toolDirectory + kDumpFile));
+    Status status = Exec(ToolCommand("savexml", toolDirectory + kDumpFile));
     if (status != StatusCode::Success)
         return trace.Fail(status, "readKnob - failed to execute the command \n");
     std::vector<std::string> names;
@@ -305,25 +266,6 @@ Status ReadKnobs(KnobList &knobs, const std::string &listFile, FunctionTrace &tr
     if (status != StatusCode::Success)
         return status;
     return ReadDumpedKnobs(knobs, listFile, names, trace);
-}
-
-Status InitLibrary(FunctionTrace &trace)
-{
-    std::string directory;
-    Status status = GetEnvironmentalVaribaleBiosLib(kProgramFilesVariable, directory);
-    if (status != StatusCode::Success)
-    {
-        trace.Error("biosConfigurationLibInit - GetEnvironmentalVaribaleBiosLib failed\n");
-        return trace.LeaveUntraced(status);
-    }
-    if (Platform::MakeDirectory(directory + kOutFolder) == Platform::DirectoryOutcome::Failed)
-        return trace.Fail(StatusCode::Failed, "biosConfigurationLibInit -failed to create Out directory \n");
-    trace.Text(TRACE_FAILURE, "biosConfigurationLibInit - Out directory created \n");
-    toolDirectory = std::move(directory);
-    status = Exec(QuotedTool(toolDirectory) + " fenrikstatus");
-    if (status != StatusCode::Success)
-        return trace.Fail(status, "biosConfigurationLibInit - failed to execute the command \n");
-    return trace.Done(status);
 }
 
 } // namespace
@@ -364,69 +306,35 @@ void KnobList::Swap(KnobList &other) noexcept
     m_knobs.swap(other.m_knobs);
 }
 
-Status GetEnvironmentalVaribaleBiosLib(std::string variableName, std::string &path)
+KnobIndex KnobList::FirstOfName() const
 {
-    return WithoutExceptions(
-        [&]
-        {
-            std::string value;
-            if (!Platform::ReadEnvironmentVariable(variableName, value))
-                return StatusCode::Failed;
-            if (variableName == kProgramFilesVariable)
-                value += kToolSubdirectory;
-            path = std::move(value);
-            return StatusCode::Success;
-        });
-}
-
-Status biosConfigurationLibInit(std::string /*componentName*/, std::string & /*extra*/)
-{
-    InitDebugHandle(kComponentName, &libDebugHandle);
-    FunctionTrace trace(libDebugHandle, kSourceFile, "biosConfigurationLibInit", "biosConfigurationLibInit\n");
-    return WithoutExceptions([&] { return InitLibrary(trace); });
-}
-
-Status Exec(std::string command)
-{
-    FunctionTrace trace(libDebugHandle, kSourceFile, "Exec", "Exec\n");
-    return WithoutExceptions(
-        [&]
-        {
-            std::uint32_t exitCode = 0;
-            if (!Platform::RunCommand(command, exitCode))
-                return trace.LeaveUntraced(StatusCode::Failed);
-            switch (exitCode)
-            {
-            case 0:
-                return trace.Done(StatusCode::Success);
-            case 1:
-                return trace.LeaveUntraced(StatusCode::NotFound);
-            default:
-                return trace.LeaveUntraced(StatusCode::ToolFailed);
-            }
-        });
+    KnobIndex index;
+    index.reserve(Size());
+    for (const KnobDetails &knob : m_knobs)
+        index.try_emplace(knob.name, &knob);
+    return index;
 }
 
 Status readKnob(KnobList &knobs, const std::string &listFile)
 {
-    FunctionTrace trace(libDebugHandle, kSourceFile, "readKnob", "readKnob\n");
-    return WithoutExceptions([&] { return ReadKnobs(knobs, listFile, trace); });
+    FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "readKnob", "readKnob\n");
+    return trace.Done(WithoutExceptions(trace, [&] { return ReadKnobs(knobs, listFile, trace); }));
 }
 
 Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record)
 {
-    FunctionTrace trace(libDebugHandle, kSourceFile, "getknobDetails", "getknobDetails\n");
-    return WithoutExceptions(
-        [&]
-        {
-            record.prompt = kNotAvailable;
-            record.description = kNotAvailable;
-            if (!ReadAttributes(knobNode, record))
-                return trace.LeaveUntraced(StatusCode::Failed);
-            if (!record.CurrentVal.empty())
-                ReadOptions(knobNode, record.options);
-            return trace.Done(StatusCode::Success);
-        });
+    FunctionTrace trace(libDebugHandle, kKnobLibrarySource, "getknobDetails", "getknobDetails\n");
+    return WithoutExceptions(trace,
+                             [&]
+                             {
+                                 record.prompt = kNotAvailable;
+                                 record.description = kNotAvailable;
+                                 if (!ReadAttributes(knobNode, record))
+                                     return trace.LeaveUntraced(StatusCode::Failed);
+                                 if (!record.CurrentVal.empty())
+                                     ReadOptions(knobNode, record.options);
+                                 return trace.Done(StatusCode::Success);
+                             });
 }
 
 Status readKnobNames(std::vector<std::string> &names, std::string path)

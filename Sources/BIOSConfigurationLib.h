@@ -8,6 +8,8 @@
 #include <memory>
 #include <memory_resource>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 /// One BIOS option as the external tool dumps it. All texts are UTF-8, copied unchanged from the dump. A copy of a
@@ -40,6 +42,9 @@ struct KnobDetails
     std::pmr::map<Text, Text> options;
 };
 
+/// Name to knob.
+using KnobIndex = std::unordered_map<std::string_view, const KnobDetails *>;
+
 /// Knobs in the order of the dump. The records of one reading lie together in memory that is given back as a whole,
 /// so that half a million of them do not scatter over the heap.
 class KnobList
@@ -52,6 +57,12 @@ public:
     void RemoveLast();
     void Clear();
     void Swap(KnobList &other) noexcept;
+    /// The first knob of each name; refers to the list's records.
+    KnobIndex FirstOfName() const;
+
+    KnobList() = default;
+    KnobList(KnobList &&) = default;
+    KnobList &operator=(KnobList &&) = delete; // would free the memory before the records in it; Swap does not
 
     bool IsEmpty() const { return m_knobs.empty(); }
     std::size_t Size() const { return m_knobs.size(); }
@@ -93,3 +104,17 @@ Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record);
 /// Appends to `names` the text before the first "=" of every line of the file that has a "=" and no ";". A file that
 /// cannot be opened has no lines. Returns Success, or NoMemory.
 Status readKnobNames(std::vector<std::string> &names, std::string path);
+
+/// Has the tool program the knobs that the knob file assigns; they take effect with the machine's restart. `knobFile`,
+/// absolute or relative to the current directory, goes to the tool as it is and is left where it is. Returns Success
+/// when the tool accepted it; Failed, with no tool started, when the path has another extension than ini (any letter
+/// case) or cannot be passed to the tool; Failed when the tool cannot be started; NotFound when it ended with exit
+/// code 1; ToolFailed for another exit code; NoMemory.
+Status writeKnob(std::string knobFile);
+
+/// Whether a path can stand in a command line of the tool: it holds no double-quote character and no NUL.
+bool isPassableToTool(std::string_view path);
+
+/// Gives the folder "out" of the tool's directory, with its final backslash. Returns Success; Missing, with `folder`
+/// unchanged, when the library has not been initialised; NoMemory.
+Status getOutFolder(std::string &folder);

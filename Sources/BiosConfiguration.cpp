@@ -6,7 +6,6 @@
 #include "XMLReaderLib.h"
 
 #include <memory>
-#include <new>
 #include <utility>
 
 std::vector<std::string> capabilityNames;
@@ -43,7 +42,14 @@ Status AppendCaps(std::vector<Cap *> &caps)
 
 BaseModule *CreateBiosConfigModule()
 {
-    return new (std::nothrow) BiosConfigModule;
+    BaseModule *module = nullptr;
+    WithoutExceptions(
+        [&module]
+        {
+            module = new BiosConfigModule;
+            return StatusCode::Success;
+        });
+    return module;
 }
 
 void DestroyBiosConfigModule(BaseModule *module)
@@ -54,7 +60,8 @@ void DestroyBiosConfigModule(BaseModule *module)
 BiosConfigModule::BiosConfigModule()
 {
     InitDebugHandle("BiosConfigModule", &m_debugHandle);
-    const FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::BiosConfigModule", "BiosConfigModule\n");
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::BiosConfigModule", "BiosConfigModule\n");
+    trace.Done(StatusCode::Success);
 }
 
 BiosConfigModule::~BiosConfigModule()
@@ -75,10 +82,11 @@ Status BiosConfigModule::InitModule(std::vector<Cap *> &caps, ParameterMap param
         return trace.LeaveUntraced(status);
     };
 
-    m_toolXmlPath = std::move(params[kToolPathParameter]);
+    const auto toolPath = params.find(kToolPathParameter);
+    m_toolXmlPath = toolPath == params.end() ? std::string() : std::move(toolPath->second);
     if (InitErrorFile(m_toolXmlPath.c_str(), kErrorFile) != StatusCode::Success)
         trace.Error("Failed to Initialize Error File\n");
-    const Status status = XMLReaderLib::InitializeXMLPath(m_toolXmlPath);
+    const Status status = WithoutExceptions([this] { return XMLReaderLib::InitializeXMLPath(m_toolXmlPath); });
     if (status != StatusCode::Success)
         return fail(status, "InitializeXMLPath failed\n", "Failed to Initialize XML Path");
     if (XMLReaderLib::GetCapabilityList(kModuleName, &capabilityNames, &capabilityDescriptions) != StatusCode::Success)
@@ -97,7 +105,8 @@ Status BiosConfigModule::UnInitModule()
 
 std::string BiosConfigModule::GetModuleName()
 {
-    const FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::GetModuleName", "GetModuleName\n");
+    FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::GetModuleName", "GetModuleName\n");
+    trace.Done(StatusCode::Success);
     return kModuleName;
 }
 

@@ -41,6 +41,16 @@ public:
     /// before the marker, without its first character. An empty row is none and is reported.
     bool IsGroupName(std::string &row);
 
+    /// Writes the knob file of a text template: "[BiosKnobs]" and one line "name==value" per assignment, in byte-wise
+    /// order of the names, lines ended by CR LF. The text of an option becomes its value where the object holds the
+    /// knob. A template that cannot be read has no assignments. A file at `knobFile` is replaced as a whole, by way of
+    /// a file beside it with ".new" behind its name, or stays as it was. Returns Success, whatever became of the file;
+    /// NoMemory.
+    Status ParseBkcTemplate(std::string templatePath, const std::string &knobFile);
+
+    /// The work of UpdateBiosSettings, on a fresh object, for a template of one of the two kinds.
+    Status UpdateSettings(const std::string &templatePath, std::string &message, ParameterMap params);
+
 private:
     friend struct BiosConfigModuleInspector; // the tests' view of the fields
 
@@ -52,6 +62,8 @@ private:
     bool ReadKnobs(Request &request);
     void AddGroups(Request &request);
     void AddRows(Request &request, std::vector<std::string> &rows);
+
+    Status ProgramTemplate(const std::string &templatePath);
 
     std::string m_toolXmlPath;
     KnobList m_knobs;

@@ -6,9 +6,9 @@
 #include "ModuleDataWriter.h"
 #include "Platform.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -25,7 +25,7 @@ constexpr const char *kTabHeader = "Name,Value,Prompt,Description";
 constexpr const char *kDefaultGroup = "Bios Options";
 constexpr const char *kNoDescription = "Not Available";
 constexpr const char *kGroupMarker = "#GROUPNAME";
-constexpr std::string_view kCellSeparator = "\", \"";
+constexpr std::string_view kCellSeparator = ModuleDataWriter::kCellSeparator;
 constexpr const char *kUnavailableRow = "\"Bios Options\", \"FENRIK is not enabled on this platform\", "
                                         "\"Check whether FENRIK is supported \", "
                                         "\"If Supported Enable FENRIK in BIOS to see the data\"";
@@ -285,9 +285,11 @@ bool BiosConfigModule::IsGroupName(std::string &row)
         return false;
     }
     const std::size_t marker = row.find(kGroupMarker);
-    if (marker == std::string::npos)
-        return false;
-    row.resize(marker);
-    row.erase(0, 1);
-    return true;
+    if (marker != std::string::npos)
+    {
+        row.resize(marker);
+        row.erase(0, 1);
+    }
+    trace.Done(StatusCode::Success);
+    return marker != std::string::npos;
 }

@@ -8,6 +8,8 @@
 
 #include <array>
 #include <ctime>
+#include <initializer_list>
+#include <new>
 #include <utility>
 
 namespace
@@ -28,6 +30,8 @@ struct Attribute
 void AddMessage(xmlNodePtr parent, std::initializer_list<Attribute> attributes)
 {
     const xmlNodePtr message = parent ? CCXmlAddNode(parent, "Message", nullptr) : nullptr;
+    if (!message)
+        throw std::bad_alloc();
     for (const Attribute &attribute : attributes)
         CCXmlSetTextAttribute(message, attribute.name, attribute.value);
 }
@@ -53,7 +57,7 @@ Status AddEntryToFile(std::time_t time, const char *path, const char *message, c
                       const char *sourceFile, const char *line, const char *date)
 {
     ErrorUIXMLWriter writer;
-    Status status = writer.Initialize(kToolName, path);
+    Status status = WithoutExceptions([&] { return writer.Initialize(kToolName, path); });
     if (status != StatusCode::Success)
         return status;
     status = WithoutExceptions(
@@ -69,7 +73,8 @@ Status AddEntryToFile(std::time_t time, const char *path, const char *message, c
 ErrorUIXMLWriter::ErrorUIXMLWriter()
 {
     InitDebugHandle("ErrorUIXMLWriter", &m_debugHandle);
-    const FunctionTrace trace(m_debugHandle, kSourceFile, "ErrorUIXMLWriter::ErrorUIXMLWriter", "\n");
+    FunctionTrace trace(m_debugHandle, kSourceFile, "ErrorUIXMLWriter::ErrorUIXMLWriter", "\n");
+    trace.Done(StatusCode::Success);
 }
 
 ErrorUIXMLWriter::~ErrorUIXMLWriter()
@@ -86,24 +91,40 @@ Status ErrorUIXMLWriter::Initialize(std::string toolName, std::string fileName)
         return trace.Fail(StatusCode::NotFound, "toolName is empty\n");
     if (fileName.empty())
         return trace.Fail(StatusCode::NotFound, "fileName is empty\n");
-    return WithoutExceptions(
-        [&]
-        {
-            CCInitializeXMLParser();
-            if (Platform::OpenStream(fileName, "rb"))
-                GetRootNodeFromExistingXML(fileName);
-            if (!m_pDoc)
-                m_pDoc = CCXmlCreateDoc(nullptr);
-            if (!m_pDoc)
-                return trace.Fail(StatusCode::Failed, "CCXmlCreateDoc failed\n");
-            if (!m_pRootNode)
-            {
-                m_pRootNode = CCXmlSetRootElement(m_pDoc, CCXmlAddNode(nullptr, "Tool", nullptr));
-                CCXmlSetTextAttribute(m_pRootNode, "Name", std::move(toolName));
-            }
-            m_pErrorNode = m_pRootNode ? CCXmlAddNode(m_pRootNode, "Error", nullptr) : nullptr;
-            return trace.Done(StatusCode::Success);
-        });
+    CCInitializeXMLParser();
+    const Status status = WithoutExceptions(trace, [&] { return OpenDocument(std::move(toolName), fileName, trace); });
+    if (status != StatusCode::Success)
+    {
+        ForgetDocument();
+        CCDeInitializeXMLParser();
+    }
+    return status;
+}
+
+Status ErrorUIXMLWriter::OpenDocument(std::string toolName, const std::string &fileName, FunctionTrace &trace)
+{
+    if (Platform::OpenStream(fileName, "rb"))
+        GetRootNodeFromExistingXML(fileName);
+    if (!m_pDoc)
+        m_pDoc = CCXmlCreateDoc(nullptr);
+    if (!m_pDoc)
+        return trace.Fail(StatusCode::Failed, "CCXmlCreateDoc failed\n");
+    if (!m_pRootNode)
+    {
+        m_pRootNode = CCXmlSetRootElement(m_pDoc, CCXmlAddNode(nullptr, "Tool", nullptr));
+        CCXmlSetTextAttribute(m_pRootNode, "Name", std::move(toolName));
+    }
+    m_pErrorNode = m_pRootNode ? CCXmlAddNode(m_pRootNode, "Error", nullptr) : nullptr;
+    return trace.Done(StatusCode::Success);
+}
+
+void ErrorUIXMLWriter::ForgetDocument()
+{
+    if (m_pDoc)
+        CCXmlFreeDocPtr(m_pDoc);
+    m_pDoc = nullptr;
+    m_pRootNode = nullptr;
+    m_pErrorNode = nullptr;
 }
 
 void ErrorUIXMLWriter::GetRootNodeFromExistingXML(std::string fileName)
@@ -134,6 +155,7 @@ Status ErrorUIXMLWriter::AddErrorDetails(std::string message, std::string title,
     if (!m_pDoc)
         return trace.Fail(StatusCode::Missing, "NULL Pointer:m_pDoc\n");
     return WithoutExceptions(
+        trace,
         [&]
         {
             AddMessage(m_pErrorNode, {{"Name", ModuleDataWriter::SanitizeText(std::move(message))},
@@ -168,10 +190,7 @@ Status ErrorUIXMLWriter::UnInitialize()
         CCDeInitializeXMLParser();
         return StatusCode::Success;
     }
-    CCXmlFreeDocPtr(m_pDoc);
-    m_pDoc = nullptr;
-    m_pRootNode = nullptr;
-    m_pErrorNode = nullptr;
+    ForgetDocument();
     CCDeInitializeXMLParser();
     return trace.Done(StatusCode::Success);
 }

@@ -6,6 +6,8 @@
 
 #include <string>
 
+class FunctionTrace;
+
 /// Adds one entry to an error document; lives for one report only. Texts are UTF-8. Nothing throws.
 class ErrorUIXMLWriter
 {
@@ -36,6 +38,9 @@ public:
     Status UnInitialize();
 
 private:
+    Status OpenDocument(std::string toolName, const std::string &fileName, FunctionTrace &trace);
+    void ForgetDocument();
+
     xmlDocPtr m_pDoc = nullptr;
     // Both belong to the document.
     xmlNodePtr m_pRootNode = nullptr;

@@ -1,36 +1,50 @@
 #include "ModuleDataWriter.h"
 
+#include "ExceptionBarrier.h"
+#include "ModuleLogHTMLWriter.h"
+#include "ModuleLogHTMLXMLWriter.h"
+#include "ModuleLogJSONWriter.h"
+#include "ModuleLogXMLWriter.h"
+#include "ModuleUIJSONWriter.h"
 #include "ModuleUIXMLWriter.h"
 #include "Platform.h"
 #include "PrintableAscii.h"
 
 #include <algorithm>
 #include <array>
-#include <new>
 
 namespace
 {
 
+constexpr std::size_t kUsualPieces = 4;
+
 template <typename Writer>
 ModuleDataWriter *MakeWriter()
 {
-    return new (std::nothrow) Writer;
+    ModuleDataWriter *writer = nullptr;
+    WithoutExceptions(
+        [&writer]
+        {
+            writer = new Writer;
+            return StatusCode::Success;
+        });
+    return writer;
 }
 
 using WriterMaker = ModuleDataWriter *(*)();
 
 /// By output kind; a new format gets its line here.
 constexpr std::array<WriterMaker, 10> kWriterMakers = {
-    MakeWriter<ModuleUIXMLWriter>, // UiXml
-    MakeWriter<ModuleUIXMLWriter>, // UiXmlAlternate
-    nullptr,                       // LogXml
-    nullptr,                       // LogXmlAlternate
-    nullptr,                       // LogHtml
-    nullptr,                       // LogHtmlAlternate
-    nullptr,                       // LogHtmlXml
-    nullptr,                       // LogHtmlXmlAlternate
-    nullptr,                       // LogJson
-    nullptr,                       // UiJson
+    MakeWriter<ModuleUIXMLWriter>,      // UiXml
+    MakeWriter<ModuleUIXMLWriter>,      // UiXmlAlternate
+    MakeWriter<ModuleLogXMLWriter>,     // LogXml
+    MakeWriter<ModuleLogXMLWriter>,     // LogXmlAlternate
+    MakeWriter<ModuleLogHTMLWriter>,    // LogHtml
+    MakeWriter<ModuleLogHTMLWriter>,    // LogHtmlAlternate
+    MakeWriter<ModuleLogHTMLXMLWriter>, // LogHtmlXml
+    MakeWriter<ModuleLogHTMLXMLWriter>, // LogHtmlXmlAlternate
+    MakeWriter<ModuleLogJSONWriter>,    // LogJson
+    MakeWriter<ModuleUIJSONWriter>,     // UiJson
 };
 
 void AppendUnit(std::string &text, char16_t unit)
@@ -92,15 +106,27 @@ std::string ModuleDataWriter::SanitizeText(std::string text)
 
 std::vector<std::string> ModuleDataWriter::SplitString(std::string_view text, std::string_view separator)
 {
-    std::vector<std::string> pieces;
-    std::size_t begin = 0;
-    for (std::size_t found = text.find(separator); found != std::string_view::npos; found = text.find(separator, begin))
-    {
-        pieces.emplace_back(text.substr(begin, found - begin));
-        begin = found + separator.size();
-    }
-    pieces.emplace_back(text.substr(begin));
+    const std::vector<std::string_view> pieces = SplitViews(text, separator);
+    return {pieces.begin(), pieces.end()};
+}
+
+std::vector<std::string_view> ModuleDataWriter::SplitViews(std::string_view text, std::string_view separator)
+{
+    std::vector<std::string_view> pieces;
+    pieces.reserve(kUsualPieces);
+    ForEachPiece(text, separator, [&pieces](std::string_view piece) { pieces.push_back(piece); });
     return pieces;
+}
+
+std::vector<std::string_view> ModuleDataWriter::SplitRow(std::string_view row)
+{
+    std::vector<std::string_view> cells = SplitViews(row, kCellSeparator);
+    if (cells.size() > 1)
+    {
+        cells.front() = WithoutFirst(cells.front());
+        cells.back() = WithoutLast(cells.back());
+    }
+    return cells;
 }
 
 std::vector<std::string> ModuleDataWriter::SplitByChar(std::string_view text, char delimiter)

@@ -42,12 +42,43 @@ public:
 
     // What the writers share in handling texts. These may throw std::bad_alloc.
 
+    /// What stands between the texts of two neighbouring cells of a row. Nothing escapes it: a cell that holds it is
+    /// split there.
+    static constexpr std::string_view kCellSeparator = "\", \"";
+
     /// Re-encodes UTF-8 by way of UTF-16 (Platform::Utf8ToUtf16) unit by unit, so that ill-formed bytes become U+FFFD
     /// and a character beyond the Basic Multilingual Plane becomes two sequences, and puts "." for bytes 1 to 31.
     static std::string SanitizeText(std::string text);
 
     /// The pieces between all places where `separator` (not empty) stands, empty ones included: always at least one.
     static std::vector<std::string> SplitString(std::string_view text, std::string_view separator);
+    /// The same without copying: the pieces are parts of `text`.
+    static std::vector<std::string_view> SplitViews(std::string_view text, std::string_view separator);
+
+    /// The same one by one: calls `visit` with every piece, without any allocation.
+    template <typename Visit>
+    static void ForEachPiece(std::string_view text, std::string_view separator, const Visit &visit)
+    {
+        std::size_t begin = 0;
+        for (std::size_t found = text.find(separator); found != std::string_view::npos;
+             found = text.find(separator, begin))
+        {
+            visit(text.substr(begin, found - begin));
+            begin = found + separator.size();
+        }
+        visit(text.substr(begin));
+    }
+
+    /// The pieces of a row between the cell separators, parts of `row`; of two or more the first without its first and
+    /// the last without its last character. A single piece is the whole row.
+    static std::vector<std::string_view> SplitRow(std::string_view row);
+
+    /// `text` without its first or its last character, if it has one.
+    static std::string_view WithoutFirst(std::string_view text) { return text.substr(text.empty() ? 0 : 1); }
+    static std::string_view WithoutLast(std::string_view text)
+    {
+        return text.substr(0, text.empty() ? 0 : text.size() - 1);
+    }
 
     /// The pieces that end with `delimiter` or the text, as std::getline takes them: none for an empty text, no empty
     /// one behind a delimiter at the end.

@@ -1,12 +1,10 @@
 #pragma once
 
-#include "DebugHandle.h"
-#include "ModuleDataWriter.h"
-#include "xmlInterface.h"
+#include "ModuleXMLWriter.h"
 
 /// Writes the document of the host's user interface: a tree of items, each with tab pages, each page a grid of groups
 /// and rows. A row is stored whole; the reader of the document splits it.
-class ModuleUIXMLWriter : public ModuleDataWriter
+class ModuleUIXMLWriter : public ModuleXMLWriter
 {
 public:
     ModuleUIXMLWriter();
@@ -21,18 +19,15 @@ public:
     Status UnInitialize() override;
 
 private:
-    void ForgetDocument();
+    void ForgetNodes() override;
 
-    // All nodes belong to the document.
-    xmlDocPtr m_pDoc = nullptr;
-    xmlNodePtr m_pRootNode = nullptr;
     xmlNodePtr m_pTreeListNode = nullptr;
     xmlNodePtr m_pItemNode = nullptr;
     xmlNodePtr m_pTabControlNode = nullptr;
     xmlNodePtr m_pTabNode = nullptr;
     xmlNodePtr m_pGridNode = nullptr;
     xmlNodePtr m_pGroupNode = nullptr;
-    DebugHandle_t *m_debugHandle = nullptr;
+    WriterHandle m_debugHandle;
     std::uint32_t m_subModCount = 0;
     std::uint32_t m_tabCount = 0;
 };

@@ -2,10 +2,10 @@
 
 #include "DebugTrace.h"
 #include "ExceptionBarrier.h"
+#include "LowerAscii.h"
 #include "Platform.h"
 #include "xmlInterface.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -38,11 +38,6 @@ struct ReaderBracket
     ReaderBracket &operator=(const ReaderBracket &) = delete;
 };
 
-char LowerAscii(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 /// Follows `key` from `value` on: Success, NotFound when it is missing (or null), Failed when `value` is no object.
 Status Descend(const Json *&value, const char *key)
 {
@@ -66,9 +61,7 @@ bool AddCapability(const Json &element, CapabilityLists &lists)
     const auto description = element.find("Description");
     if (name == element.end() || !name->is_string() || description == element.end() || !description->is_string())
         return false;
-    std::string lowerName = name->get<std::string>();
-    std::transform(lowerName.begin(), lowerName.end(), lowerName.begin(), LowerAscii);
-    lists.names.push_back(std::move(lowerName));
+    lists.names.push_back(LowerAscii(name->get<std::string>()));
     lists.descriptions.push_back(description->get<std::string>());
     return true;
 }

@@ -3,16 +3,13 @@
 #include "DebugTrace.h"
 #include "ExceptionBarrier.h"
 #include "Platform.h"
-#include "PrintableAscii.h"
+#include "xmlInterfaceText.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <libxml/chvalid.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
-#include <string_view>
 #include <utility>
 
 namespace
@@ -20,7 +17,6 @@ namespace
 
 constexpr const char *kSourceFile = "xmlInterface";
 constexpr const char *kComponentName = "XMLParser";
-constexpr char kReplacementCharacter[] = "\xEF\xBF\xBD";
 
 std::int32_t xmlParserRefCount = 0;
 DebugHandle_t *xmlDebugHandle = nullptr;
@@ -60,87 +56,27 @@ struct FreeXmlMemory
     void operator()(xmlChar *memory) const { xmlFree(memory); }
 };
 
-bool IsHighSurrogate(int character)
+/// Whether an attribute that was set is there with its value; libxml2 leaves them out where memory did not suffice.
+bool HasAttribute(xmlNodePtr node, const char *name, bool empty)
 {
-    return character >= 0xD800 && character < 0xDC00;
-}
-bool IsLowSurrogate(int character)
-{
-    return character >= 0xDC00 && character < 0xE000;
+    const xmlAttr *const attribute = xmlHasProp(node, AsXml(name));
+    return attribute && (empty || attribute->children);
 }
 
-/// Takes one character, or two surrogates that make one, off the front; -1 with one byte taken when ill-formed.
-int TakeCharacter(const xmlChar *&position, const xmlChar *end)
+struct FreeNode
 {
-    const auto decode = [end](const xmlChar *from, int &length)
-    {
-        length = static_cast<int>(end - from);
-        return xmlGetUTF8Char(from, &length);
-    };
-    int length = 0;
-    const int character = decode(position, length);
-    position += character < 0 ? 1 : length;
-    if (!IsHighSurrogate(character) || position == end)
-        return character;
-    const int second = decode(position, length);
-    if (!IsLowSurrogate(second))
-        return character;
-    position += length;
-    return 0x10000 + ((character - 0xD800) << 10) + (second - 0xDC00);
-}
+    void operator()(xmlNodePtr node) const { xmlFreeNode(node); }
+};
 
-/// `text` as an XML document can hold it.
-std::string MakeXmlText(std::string text)
-{
-    if (IsPrintableAscii(text))
-        return text;
-    std::string result;
-    result.reserve(text.size());
-    const xmlChar *position = AsXml(text.data());
-    const xmlChar *const end = position + text.size();
-    while (position != end)
-    {
-        const xmlChar *const plain = position;
-        position = std::find_if_not(
-            position, end, [](xmlChar character) { return IsPrintableAsciiCharacter(static_cast<char>(character)); });
-        result.append(reinterpret_cast<const char *>(plain), static_cast<std::size_t>(position - plain));
-        if (position == end)
-            break;
-        const int character = TakeCharacter(position, end);
-        xmlChar encoded[8];
-        if (character < 0 || !xmlIsCharQ(character))
-            result += kReplacementCharacter;
-        else
-            result.append(reinterpret_cast<const char *>(encoded),
-                          static_cast<std::size_t>(xmlCopyCharMultiByte(encoded, character)));
-    }
-    return result;
-}
-
-/// `text` with every "&" written so that nothing behind it is taken for a reference.
-std::string EscapeReferences(std::string text)
-{
-    constexpr std::string_view kEscaped = "&amp;";
-    std::size_t found = text.find('&');
-    if (found == std::string::npos)
-        return text;
-    std::string result;
-    std::size_t begin = 0;
-    for (; found != std::string::npos; found = text.find('&', begin))
-    {
-        result.append(text, begin, found - begin).append(kEscaped);
-        begin = found + 1;
-    }
-    return result.append(text, begin);
-}
-
-/// xmlNewNode and xmlNodeSetContent; null without memory.
+/// xmlNewNode and xmlNodeSetContent; null when memory did not suffice for all of it.
 xmlNodePtr NewElement(const char *name, const char *content)
 {
-    const xmlNodePtr node = xmlNewNode(nullptr, AsXml(name));
-    if (node && content)
-        xmlNodeSetContent(node, AsXml(content));
-    return node;
+    std::unique_ptr<xmlNode, FreeNode> node(xmlNewNode(nullptr, AsXml(name)));
+    if (!node || !node->name)
+        return nullptr;
+    if (content)
+        xmlNodeSetContent(node.get(), AsXml(content));
+    return content && *content && !node->children ? nullptr : node.release();
 }
 
 /// Appends `node`, or frees it when that fails.
@@ -164,9 +100,22 @@ char *MoveToCHeap(xmlChar *block, std::size_t size)
     return copy;
 }
 
+/// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
 bool Write(const std::string &fileName, xmlDocPtr document)
 {
-    return xmlSaveFile(Platform::NativePath(fileName).c_str(), document) != -1;
+    Platform::StreamOwner stream = Platform::OpenStream(fileName, "wb");
+    if (!stream || xmlDocDump(stream.get(), document) == -1)
+        return false;
+    return std::fclose(stream.release()) == 0;
+}
+
+/// A path that libxml2 opens as it stands.
+std::string PathForParser(const char *fileName)
+{
+    std::string path;
+    for (const char character : Platform::NativePath(fileName))
+        character == '%' ? path.append("%25") : path.append(1, character);
+    return path;
 }
 
 /// Writes beside the final place and renames. Writes directly only where the folder takes no new file or the system
@@ -221,7 +170,7 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName)
         {
             const QuietErrors quiet;
             if (fileName)
-                document = xmlReadFile(Platform::NativePath(fileName).c_str(), nullptr, 0);
+                document = xmlReadFile(PathForParser(fileName).c_str(), nullptr, 0);
             return StatusCode::Success;
         });
     if (!document)
@@ -258,6 +207,7 @@ xmlDocPtr CCXmlCreateDoc(const char *version)
 {
     const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlCreateDoc");
     TRACE(trace, TRACE_ENTRY, "Version passed is %s", version);
+    const QuietErrors quiet;
     const xmlDocPtr document = xmlNewDoc(AsXml(version));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
     return document;
@@ -378,7 +328,10 @@ Status CCXmlSave(const char *fileName, xmlDocPtr document)
     if (!fileName || !document)
         trace.Error("File name passed is NULL");
     else
-        status = WithoutExceptions([&] { return Save(fileName, document) ? StatusCode::Success : StatusCode::Failed; });
+    {
+        const auto save = [&] { return Save(fileName, document) ? StatusCode::Success : StatusCode::Failed; };
+        status = WithoutExceptions(save) == StatusCode::Success ? StatusCode::Success : StatusCode::Failed;
+    }
     TRACE(trace, TRACE_EXIT, "return status %d", status);
     return status;
 }
@@ -398,6 +351,9 @@ Status CCXmlFreeDocPtr(xmlDocPtr document)
 
 void CCXmlFreeNode(xmlNodePtr node)
 {
+    // Other kinds may belong to more than their parent, as an entity's declaration does to the document type.
+    if (!node || node->type != XML_ELEMENT_NODE)
+        return;
     xmlUnlinkNode(node);
     xmlFreeNode(node);
 }
@@ -412,6 +368,7 @@ char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
         trace.Text(TRACE_EXIT, "Return NULL");
         return nullptr;
     }
+    const QuietErrors quiet;
     char *const value = reinterpret_cast<char *>(xmlGetProp(node, AsXml(attributeName)));
     TRACE(trace, TRACE_EXIT, "Return value %s", value);
     return value;
@@ -444,5 +401,8 @@ xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string tex
 
 void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text)
 {
-    CCXmlSetAttributeValue(node, attributeName, MakeXmlText(std::move(text)).c_str());
+    const std::string value = MakeXmlText(std::move(text));
+    CCXmlSetAttributeValue(node, attributeName, value.c_str());
+    if (node && attributeName && !HasAttribute(node, attributeName, value.empty()))
+        throw std::bad_alloc();
 }

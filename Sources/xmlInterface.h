@@ -60,9 +60,9 @@ xmlNodePtr CCXmlAddNode(xmlNodePtr parent, const char *name, const char *content
 /// document or `memory` is null or memory runs out.
 Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size);
 
-/// Saves the document to a file (xmlSaveFile). The file is written beside its final place and then renamed, so that an
-/// earlier one stays whole until the new one is; where that cannot be done it is written directly. Returns Success, or
-/// Failed when an argument is null or the file cannot be written.
+/// Saves the document to a file (as xmlSaveFile does). The file is written beside its final place and then renamed, so
+/// that an earlier one stays whole until the new one is; where that cannot be done it is written directly. Returns
+/// Success, or Failed when an argument is null or the file cannot be written.
 Status CCXmlSave(const char *fileName, xmlDocPtr document);
 
 /// Frees a document and all its nodes (xmlFreeDoc). Returns Success, or Failed for null.

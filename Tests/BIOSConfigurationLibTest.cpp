@@ -2,6 +2,7 @@
 #include "ModuleSupport.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace
 {
@@ -97,13 +98,48 @@ TEST_F(BIOSConfigurationLibTest, InitTellsWhyTheToolCannotBeUsed)
             fs::remove(m_machine.ToolProgram());
         if (fault == std::string("missing folder"))
             fs::remove_all(m_machine.ToolFile(""));
-        const std::string value = fault == std::string("no variable") ? "" : std::getenv("ProgramFiles");
-        const EnvironmentSetting programFiles("ProgramFiles", value);
+        std::optional<EnvironmentSetting> programFiles;
+        if (fault == std::string("no variable"))
+            programFiles.emplace("ProgramFiles", "");
         TraceLog::Take();
         EXPECT_EQ(InitLib(), status) << fault;
         std::vector<std::string> expected = {" --> " + fn + "biosConfigurationLibInit\n"};
         expected.insert(expected.end(), lines.begin(), lines.end());
         EXPECT_EQ(TraceLog::Take(), expected) << fault;
+    }
+}
+
+TEST_F(BIOSConfigurationLibTest, WriteKnobTellsWhatTheToolMadeOfTheFile)
+{
+    const struct
+    {
+        const char *fault;
+        const char *file;
+        Status status;
+        std::string end;
+        std::size_t lines; // two where the tool is not started
+    } cases[] = {
+        {"exit:0", "a.b\\KNOBS.INI", 1, "writeKnob\n", 4},
+        {"exit:0", "knobs", 1, "writeKnob\n", 4},
+        {"exit:0", "knobs.txt", 5, "writeKnob - failed , Improper file format provided \n", 2},
+        {"exit:0", "bkc.new\\knobs", 5, "writeKnob - failed , Improper file format provided \n", 2},
+        {"exit:0", "a\"b.ini", 5, "writeKnob - failed , the path cannot be passed to the tool \n", 2},
+        {"exit:1", "knobs.ini", 2, "writeKnob - failed to execute the command \n", 3},
+        {"crash", "knobs.ini", 6, "writeKnob - failed to execute the command \n", 3},
+        {"missing program", "knobs.ini", 5, "writeKnob - failed to execute the command \n", 3},
+    };
+    ASSERT_EQ(InitLib(), StatusCode::Success);
+    const TraceLog log(kComponent);
+    for (const auto &[fault, file, status, end, count] : cases)
+    {
+        m_machine.UseFault(fault);
+        if (fault == std::string("missing program"))
+            fs::remove(m_machine.ToolProgram());
+        EXPECT_EQ(writeKnob(file), status) << fault << file;
+        const std::vector<std::string> lines = TraceLog::Take();
+        ASSERT_EQ(lines.size(), count) << fault << file;
+        EXPECT_EQ(lines.front(), " -->  Fn:writeKnob writeKnob\n");
+        EXPECT_EQ(lines.back(), (status == 1 ? "" : " **ERROR** ") + std::string(" <--  Fn:writeKnob ") + end) << file;
     }
 }
 
@@ -187,6 +223,8 @@ TEST_F(BIOSConfigurationLibTest, TellsWhyKnobsCannotBeRead)
         {"no markup", "", "readKnob - CCXmlGetRootElement return value is NULL\n", false},
         {"<System><biosknobs><k name='A'/></biosknobs></System>", "", "readKnob - Improper file provided\n", false},
         {"<SYSTEM/>", "", "no knobs found\n", true},
+        {"<!DOCTYPE SYSTEM [<!ENTITY biosknobs 'x'><!ENTITY b 'y'>]><SYSTEM>&biosknobs;&b;</SYSTEM>", "",
+         "no knobs found\n", true},
         {Knobs("<k/>"), "", "no knobs found\n", true},
         {good, m_machine.HostFile("list.txt"), "ReadKnob - failed , Improper file format provided \n", false},
         {good, m_machine.HostFile("empty.ini"), "ReadKnob - failed , Improper file- No Knobs found in file \n", false},

@@ -130,6 +130,21 @@ TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
     EXPECT_TRUE(outcome.output.ends_with(BufferOf("tools/ModuleData/bios options_UI_XML")));
 }
 
+TEST_F(BiosconfigTest, AnUpdateShowsTheModulesMessage)
+{
+    WriteFile("bench.ini", "BootFast==1");
+    const Outcome updated = RunBiosconfig("update --tool-dir tools bench.ini");
+    EXPECT_EQ(updated.exitCode, 0U) << updated.messages;
+    EXPECT_TRUE(updated.output.starts_with("BIOS settings updated successfully. ")) << updated.output;
+    EXPECT_TRUE(updated.output.ends_with("the changes\n")) << updated.output;
+    WriteFile("bench.ini", "BootFast==7");
+    const Outcome refused = RunBiosconfig("update --tool-dir tools bench.ini");
+    EXPECT_EQ(refused.exitCode, 1U);
+    EXPECT_TRUE(refused.output.starts_with("Failed to Update BIOS Settings, ")) << refused.output;
+    EXPECT_NE(refused.messages.find("status 2, "), std::string::npos) << refused.messages;
+    EXPECT_NE(refused.messages.find("  Failed to Write to knobs (Update Bios Settings), "), std::string::npos);
+}
+
 struct BadCall
 {
     const char *arguments;
@@ -142,7 +157,10 @@ constexpr BadCall kBadCalls[] = {
     {"report --tool-dir tools --bogus", 2, "--bogus"},
     {"report --tool-dir tools --format pdf", 2, "pdf not in {ui-xml,"},
     {"report --tool-dir tools --option other", 2, "does not offer the option \"other\""},
-    {"report --tool-dir tools --format log-json", 1, "gives no report of that kind: log-json"},
+    {"update --tool-dir tools", 2, "TEMPLATE is required"},
+    {"update --tool-dir tools missing.txt", 2, "cannot read the template missing.txt"},
+    {"update --tool-dir bare missing.txt", 4, "(BiosConfigModule - InitModule), "},
+    {"update --tool-dir tools tools/CapsList.json", 1, "with txt or ini behind the first"},
     {"report --tool-dir tools --module missing", 3, "missing: cannot open"},
     {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", 3, "lacks the module's exports"},
     {"report --tool-dir missing", 4, "no tool directory \"missing\""},

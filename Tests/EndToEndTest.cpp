@@ -58,20 +58,24 @@ std::size_t Count(const std::string &text, const std::string &searched)
     return count;
 }
 
+/// The ending of the report file, and of the golden document, by output kind.
+constexpr const char *kReportSuffixes[] = {"_UI_XML",   "_UI_XML", "_LOG_XML", "_LOG_XML",  "_LOG_HTML",
+                                           "_LOG_HTML", "",        "",         "_LOG_JSON", "_UI_JSON"};
+
 TEST_F(EndToEndTest, GivesTheSameReportEveryTimeInBufferAndFile)
 {
     m_machine.UseDump(ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml"));
-    const std::string golden = ReadFile(TEST_DATA_DIRECTORY "SmallFirmware_UI_XML");
     const std::ptrdiff_t openFiles = OpenFiles();
-    for (const OutputKind kind : {OutputKind::UiXml, OutputKind::UiXmlAlternate})
+    for (std::size_t kind = 0; kind < std::size(kReportSuffixes); ++kind)
     {
-        fs::remove(m_machine.HostFile("ModuleData/bios_UI_XML"));
-        EXPECT_EQ(Report(kind), golden);
-        const std::string file = ReadFile(m_machine.HostFile("ModuleData/bios_UI_XML"));
-        EXPECT_EQ(Count(file, "\r\n"), Count(golden, "\n"));
+        const std::string golden = ReadFile(TEST_DATA_DIRECTORY "SmallFirmware" + std::string(kReportSuffixes[kind]));
+        const std::string reportFile = m_machine.HostFile("ModuleData/bios") + kReportSuffixes[kind];
+        fs::remove(reportFile);
+        EXPECT_EQ(Report(static_cast<OutputKind>(kind)), golden) << kind;
+        EXPECT_EQ(Count(ReadFile(reportFile), "\r\n"), Count(golden, "\n")) << kind;
         std::string text;
-        EXPECT_TRUE(Platform::ReadTextFile(m_machine.HostFile("ModuleData/bios_UI_XML"), text));
-        EXPECT_EQ(text, golden);
+        EXPECT_TRUE(Platform::ReadTextFile(reportFile, text)) << kind;
+        EXPECT_EQ(text, golden) << kind;
     }
     EXPECT_EQ(OpenFiles(), openFiles);
     EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
@@ -106,6 +110,32 @@ TEST_F(EndToEndTest, ADamagedDumpGivesWhatCanBeReadAndNoOutput)
     EXPECT_NE(report.find("<Row>\"FanCurve\""), std::string::npos) << report;
     EXPECT_EQ(report.find("WakeOnLan"), std::string::npos) << report;
     EXPECT_EQ(m_machine.Errors(), std::vector<std::string>());
+}
+
+TEST_F(EndToEndTest, AProgrammedOptionIsInTheReportAfterTheRestart)
+{
+    fs::create_directory(m_machine.ToolFile("out"));
+    WriteFile(m_machine.ToolFile("out/bench.ini"), "earlier");
+    WriteFile(m_machine.HostFile("bench.ini"), "beside");
+    WriteFile(m_machine.HostFile("bench.txt"), "BootFast=Enabled;\r\nBootMode=Legacy");
+    const auto update = m_library.Find<decltype(UpdateBiosSettings)>("UpdateBiosSettings");
+    ASSERT_TRUE(update);
+    const std::ptrdiff_t openFiles = OpenFiles();
+    std::string message;
+    EXPECT_EQ(update(m_machine.HostDirectory() + "bench.txt", message, {{"toolxmlpath", m_machine.HostDirectory()}}),
+              StatusCode::Success);
+    EXPECT_EQ(OpenFiles(), openFiles);
+    EXPECT_EQ(ReadFile(m_machine.HostFile("bench.ini")), "beside");
+    EXPECT_EQ(ReadFile(m_machine.ToolFile("out/bench.ini")),
+              "[BiosKnobs]\r\n\r\nBootMode==Legacy\r\nBootFast==Enabled\r\n");
+    const std::string before = "<Row>\"BootFast\", \"Disabled\"";
+    EXPECT_NE(Report(OutputKind::UiXml).find(before), std::string::npos);
+    std::uint32_t exitCode = 1;
+    EXPECT_TRUE(Platform::RunCommand('"' + m_machine.ToolProgram() + "\" restart", exitCode));
+    const std::string after = Report(OutputKind::UiXml);
+    EXPECT_EQ(after.find(before), std::string::npos);
+    EXPECT_NE(after.find("<Row>\"BootFast\", \"Enabled\""), std::string::npos);
+    EXPECT_NE(after.find("<Row>\"BootMode\", \"Legacy\""), std::string::npos);
 }
 
 TEST_F(EndToEndTest, BytesThatAreNotUtf8CostNoRow)

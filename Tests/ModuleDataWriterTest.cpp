@@ -1,5 +1,5 @@
 #include "ModuleDataWriter.h"
-#include "ModuleUIXMLWriter.h"
+#include "ModuleSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -44,13 +44,21 @@ TEST(ModuleDataWriter, SplitsAndReplaces)
 
 TEST(ModuleDataWriter, FactoryKnowsEveryKind)
 {
-    for (unsigned kind = 0; kind <= 255; ++kind)
+    const std::vector<std::string> classes = {"ModuleUIXMLWriter",      "ModuleUIXMLWriter",      "ModuleLogXMLWriter",
+                                              "ModuleLogXMLWriter",     "ModuleLogHTMLWriter",    "ModuleLogHTMLWriter",
+                                              "ModuleLogHTMLXMLWriter", "ModuleLogHTMLXMLWriter", "ModuleLogJSONWriter",
+                                              "ModuleUIJSONWriter"};
+    for (std::size_t kind = 0; kind <= 255; ++kind)
     {
-        const ModuleDataWriterOwner writer(CreateModuleDataWriter(static_cast<OutputKind>(kind)));
-        if (kind <= 1)
-            EXPECT_NE(dynamic_cast<ModuleUIXMLWriter *>(writer.get()), nullptr) << kind;
-        else
-            EXPECT_EQ(writer, nullptr) << kind;
+        const bool known = kind < classes.size();
+        const std::string name = known ? classes[kind] : "none";
+        const std::string function = " Fn:" + name + "::";
+        const TestSupport::TraceLog log(name.c_str());
+        EXPECT_EQ(ModuleDataWriterOwner(CreateModuleDataWriter(static_cast<OutputKind>(kind))) != nullptr, known)
+            << kind;
+        const Pieces lines = {" --> " + function + name + " \n", " <-- " + function + name + " \n",
+                              " --> " + function + "~" + name + " \n", " <-- " + function + "~" + name + " \n"};
+        EXPECT_EQ(TestSupport::TraceLog::Take(), known ? lines : Pieces()) << kind;
     }
     DestroyModuleDataWriter(nullptr);
 }

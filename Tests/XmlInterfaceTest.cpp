@@ -164,6 +164,15 @@ TEST(XmlInterface, SaveReplacesTheFileWholeOrLeavesIt)
         EXPECT_EQ(ReadFile(path), "<?xml version=\"1.0\"?>\n<New/>\n");
     }
 
+    // A path is taken as it stands.
+    for (const char *folder : {"a%41b", "aAb"})
+        std::filesystem::create_directory(directory.Path(folder));
+    WriteFile(directory.Path("aAb/x.xml"), "<Other/>");
+    EXPECT_EQ(CCXmlSave(directory.Path("a%41b/x.xml").c_str(), document.get()), StatusCode::Success);
+    EXPECT_EQ(ReadFile(directory.Path("aAb/x.xml")), "<Other/>");
+    const Document read(CCXmlParseXMLfile(directory.Path("a%41b/x.xml").c_str()));
+    EXPECT_EQ(CCXmlGetNodeElementName(CCXmlGetRootElement(read.get())), std::string("New"));
+
     // Where no file can be put beside it, the file itself is written.
     std::filesystem::create_directories(directory.Path("file.xml.new/taken"));
     EXPECT_EQ(CCXmlSave(path.c_str(), document.get()), StatusCode::Success);

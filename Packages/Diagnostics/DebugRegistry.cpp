@@ -31,14 +31,9 @@ struct FreeHandle
 };
 using HandleOwner = std::unique_ptr<DebugHandle_t, FreeHandle>;
 
-/// All that the library keeps between its calls. The destructor runs when the library is unloaded.
+/// All that the library keeps between its calls.
 struct Registry
 {
-    constexpr Registry() = default;
-    ~Registry() { Reset(); }
-    Registry(const Registry &) = delete;
-    Registry &operator=(const Registry &) = delete;
-
     void Reset()
     {
         void *handle = nullptr;
@@ -55,7 +50,18 @@ struct Registry
     bool versionWritten = false;
 };
 
-constinit Registry registry;
+/// Never destroyed: a host may destroy its module object when the static objects of the module are gone already, and
+/// the last release empties the registry anyway.
+union Everlasting
+{
+    constexpr Everlasting() : registry() {}
+    ~Everlasting() {}
+
+    Registry registry;
+};
+
+constinit Everlasting everlasting;
+Registry &registry = everlasting.registry;
 
 std::int32_t CompareNames(const void *first, const void *second)
 {

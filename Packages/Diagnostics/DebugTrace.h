@@ -33,7 +33,8 @@ struct TraceText
 };
 
 /// The trace lines of one call of one function. Write the way out with Done, Fail or LeaveUntraced; a call that is
-/// left in any other way (an exception included) gets its exit line from the destructor.
+/// left in any other way (an exception included) gets its exit line from the destructor, with the line number of the
+/// entry.
 class FunctionTrace
 {
 public:
@@ -70,10 +71,10 @@ public:
 
     void Error(TraceText message) const { Text(TRACE_ERROR, message); }
 
-    /// The exit line, with the entry line's text.
+    /// The exit line, with the entry line's text; nothing when the way out has been written.
     Status Done(Status status, std::source_location where = std::source_location::current())
     {
-        return Leave(status, TRACE_EXIT, TraceText(m_exitText.text, where));
+        return m_left ? status : Leave(status, TRACE_EXIT, TraceText(m_exitText.text, where));
     }
 
     /// The line of a failure that leaves the function.

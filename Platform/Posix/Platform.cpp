@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <new>
 #include <pthread.h>
 #include <spawn.h>
 #include <sys/stat.h>
@@ -115,7 +117,7 @@ SharedLibrary::Symbol SharedLibrary::FindSymbol(const char *name) const
 StandardOutputToError::StandardOutputToError()
 {
     std::fflush(stdout);
-    m_savedOutput = dup(STDOUT_FILENO);
+    m_savedOutput = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
     if (m_savedOutput != -1)
         dup2(STDERR_FILENO, STDOUT_FILENO);
 }
@@ -174,8 +176,8 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
 
 MutexHandle MakeMutex(const char * /*name*/)
 {
-    auto mutex = std::make_unique<pthread_mutex_t>();
-    return InitRecursive(*mutex) ? mutex.release() : nullptr;
+    std::unique_ptr<pthread_mutex_t> mutex(new (std::nothrow) pthread_mutex_t);
+    return mutex && InitRecursive(*mutex) ? mutex.release() : nullptr;
 }
 
 bool WaitMutex(MutexHandle mutex)

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <io.h>
+#include <utility>
 #include <windows.h>
 
 namespace Platform

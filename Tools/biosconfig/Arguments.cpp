@@ -27,14 +27,17 @@ The module runs an external tool that it finds through the environment variable 
 In the tool directory it reads CapsList.json and records errors in Error.xml; a copy of each report goes into
 the folder ModuleData there, if that folder exists.
 
-Traces are switched on by a file debug.conf in the working directory.
+Traces are switched on by a file debug.conf in the working directory. What an update has programmed takes
+effect when the machine is restarted.
 
-Data goes to standard output; messages, traces and what the external tool prints go to standard error.
+Data and the outcome of an update go to standard output; messages, traces and what the external
+tool prints go to standard error.
 )";
 
 constexpr const char *kExampleHelp = R"(
-Example:
-  ProgramFiles=/opt/programs biosconfig report --tool-dir /opt/tarnwell --format ui-xml -o bios.xml)";
+Examples:
+  ProgramFiles=/opt/programs biosconfig report --tool-dir /opt/tarnwell --format ui-xml -o bios.xml
+  ProgramFiles=/opt/programs biosconfig update --tool-dir /opt/tarnwell lab/bench.txt)";
 
 std::vector<std::string> FormatNames()
 {
@@ -94,6 +97,16 @@ void AddReportOptions(CLI::App &report, Arguments &parsed)
         ->capture_default_str();
 }
 
+void AddUpdateArgument(CLI::App &update, Arguments &parsed)
+{
+    update
+        .add_option("TEMPLATE", parsed.templatePath,
+                    "The template: a list of assignments (txt) or a knob file (ini). What stands behind the first "
+                    "\".\" of the whole path says which, so no folder of the path may have a \".\" in its name")
+        ->required()
+        ->type_name("");
+}
+
 std::string DefaultModulePath()
 {
     return Platform::ExecutableDirectory() + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
@@ -104,7 +117,8 @@ std::string DefaultModulePath()
 std::optional<Arguments> ParseArguments(int argumentCount, const char *const *arguments, ExitCode &exitCode)
 {
     Arguments parsed;
-    CLI::App app("Makes reports of this machine's BIOS options with the BIOS configuration module.", "biosconfig");
+    CLI::App app("Makes reports of this machine's BIOS options, and updates them, with the BIOS configuration module.",
+                 "biosconfig");
     app.footer(Footer());
     app.set_version_flag("--version", "biosconfig " BIOSCONFIG_VERSION);
     app.require_subcommand(1);
@@ -114,6 +128,10 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
     CLI::App *const capabilities =
         app.add_subcommand("capabilities", "Prints one capability per line: name, tab, description");
     AddCommonOptions(*capabilities, parsed);
+    CLI::App *const update =
+        app.add_subcommand("update", "Has the BIOS options programmed that a template assigns, and prints the outcome");
+    AddCommonOptions(*update, parsed);
+    AddUpdateArgument(*update, parsed);
 
     try
     {
@@ -126,6 +144,8 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
     }
     if (*capabilities)
         parsed.command = Arguments::Command::Capabilities;
+    if (*update)
+        parsed.command = Arguments::Command::Update;
     if (parsed.modulePath.empty())
         parsed.modulePath = DefaultModulePath();
     parsed.format = KindOf(parsed.formatName);

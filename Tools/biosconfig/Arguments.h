@@ -12,7 +12,8 @@ struct Arguments
     enum class Command
     {
         Report,
-        Capabilities
+        Capabilities,
+        Update
     };
 
     Command command = Command::Report;
@@ -23,6 +24,8 @@ struct Arguments
     std::string formatName = "ui-xml";
     OutputKind format = OutputKind::UiXml;
     std::string option = "all";
+    /// The template of an update, as the user gave it.
+    std::string templatePath;
     /// The file for the data; "-" is standard output.
     std::string outputPath = "-";
 };

@@ -7,7 +7,7 @@
 enum class ExitCode : int
 {
     Success = 0,
-    NoReport = 1,
+    NotDone = 1,
     WrongUsage = 2,
     NoModule = 3,
     NotReady = 4,
@@ -23,8 +23,10 @@ struct ExitCodeMeaning
 /// As --help shows them.
 constexpr ExitCodeMeaning kExitCodeMeanings[] = {
     {ExitCode::Success, "done, and the module recorded no error"},
-    {ExitCode::NoReport, "no report, or one made with errors that the module recorded in Error.xml"},
-    {ExitCode::WrongUsage, "wrong command line, or an option that the module does not offer"},
+    {ExitCode::NotDone,
+     "no report, one made with errors that the module recorded in Error.xml, or settings not updated"},
+    {ExitCode::WrongUsage,
+     "wrong command line, an option that the module does not offer, or a template that cannot be read"},
     {ExitCode::NoModule, "the module cannot be loaded or is not such a module"},
     {ExitCode::NotReady, "the tool directory is missing, not writable, or not accepted by the module"},
     {ExitCode::NotWritten, "the output cannot be written"}};

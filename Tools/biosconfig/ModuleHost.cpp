@@ -32,6 +32,11 @@ std::string FullPath(const std::string &path)
     return std::filesystem::absolute(Platform::NativePath(path)).string();
 }
 
+ParameterMap Parameters(const std::string &toolDirectory)
+{
+    return {{"toolxmlpath", toolDirectory}};
+}
+
 } // namespace
 
 ModuleHost::ModuleHost(const std::string &path) : m_library(FullPath(path), m_loadError), m_module(nullptr, nullptr)
@@ -56,7 +61,7 @@ ModuleHost::~ModuleHost()
 void ModuleHost::Initialise(const std::string &toolDirectory)
 {
     std::vector<Cap *> capabilities;
-    const Status status = m_module->InitModule(capabilities, {{"toolxmlpath", toolDirectory}});
+    const Status status = m_module->InitModule(capabilities, Parameters(toolDirectory));
     for (Cap *const capability : capabilities)
         m_capabilities.emplace_back(capability);
     if (status != StatusCode::Success)
@@ -79,6 +84,25 @@ std::string ModuleHost::Report(const std::string &option, OutputKind kind)
     std::string report;
     const Status status = m_module->GetData(option.c_str(), &kind, &report);
     if (status != StatusCode::Success)
-        throw Failure(ExitCode::NoReport, "the module made no report (GetData: " + Describe(status) + ")");
+        throw Failure(ExitCode::NotDone, "the module made no report (GetData: " + Describe(status) + ")");
     return report;
+}
+
+void ModuleHost::UpdateSettings(const std::string &templatePath, const std::string &toolDirectory,
+                                std::string &messageLine)
+{
+    auto *const update = m_library.Find<decltype(UpdateBiosSettings)>("UpdateBiosSettings");
+    if (!update)
+        throw Failure(ExitCode::NoModule, "the module does not offer updates");
+    std::string message;
+    const Status status = update(templatePath, message, Parameters(toolDirectory));
+    if (status == StatusCode::Success || !message.empty())
+        messageLine = message + "\n";
+    if (status == StatusCode::Success)
+        return;
+    const char *const hint = message.empty() ? "; it takes a template with txt or ini behind the first \".\" of the "
+                                               "whole path, and no quotation mark in it"
+                                             : "";
+    throw Failure(ExitCode::NotDone,
+                  "the settings were not updated (UpdateBiosSettings: " + Describe(status) + ")" + hint);
 }

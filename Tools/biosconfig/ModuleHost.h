@@ -29,6 +29,11 @@ public:
     /// The report of `option`, empty when the module made none. Throws Failure when the module gives a failure status.
     std::string Report(const std::string &option, OutputKind kind);
 
+    /// Has the BIOS options programmed that the template assigns, by a module object of the module's own. Stores the
+    /// module's message as a line, also when it throws; none when the module gave none. Throws Failure for any status
+    /// but success and when the module does not offer updates.
+    void UpdateSettings(const std::string &templatePath, const std::string &toolDirectory, std::string &messageLine);
+
 private:
     using Destroy = decltype(DestroyBiosConfigModule);
 

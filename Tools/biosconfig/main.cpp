@@ -67,18 +67,40 @@ std::string CapabilityLines(const ModuleHost &module)
     return lines;
 }
 
-/// Has the module do the work and gives the data. Throws Failure when there is none.
-std::string AskModule(const Arguments &arguments, const std::string &toolDirectory)
+std::string Report(ModuleHost &module, const Arguments &arguments)
 {
-    const Platform::StandardOutputToError keepOutputForData;
-    ModuleHost module(arguments.modulePath);
-    module.Initialise(toolDirectory);
-    if (arguments.command == Arguments::Command::Capabilities)
-        return CapabilityLines(module);
     if (!module.Offers(arguments.option))
         throw Failure(ExitCode::WrongUsage, "the module does not offer the option \"" + arguments.option +
                                                 "\"; \"biosconfig capabilities\" shows what it offers");
     return module.Report(arguments.option, arguments.format);
+}
+
+/// The module would take a template that it cannot read for an empty one.
+void RequireReadable(const std::string &templatePath)
+{
+    if (!Platform::OpenStream(templatePath, "rb"))
+        throw Failure(ExitCode::WrongUsage, "cannot read the template " + templatePath);
+}
+
+/// Has the module do the work and stores the data. Throws Failure when it could not be done; there may be data then.
+void AskModule(const Arguments &arguments, const std::string &toolDirectory, std::string &data)
+{
+    const Platform::StandardOutputToError keepOutputForData;
+    ModuleHost module(arguments.modulePath);
+    module.Initialise(toolDirectory);
+    switch (arguments.command)
+    {
+    case Arguments::Command::Report:
+        data = Report(module, arguments);
+        return;
+    case Arguments::Command::Capabilities:
+        data = CapabilityLines(module);
+        return;
+    case Arguments::Command::Update:
+        RequireReadable(arguments.templatePath);
+        module.UpdateSettings(arguments.templatePath, toolDirectory, data);
+        return;
+    }
 }
 
 void ShowErrors(const std::string &errorFile, const std::vector<RecordedError> &errors)
@@ -103,7 +125,7 @@ ExitCode JudgeReport(const Arguments &arguments, const std::string &report, cons
                       : "the module made no report");
     else if (!errors.empty() && !Platform::ReadEnvironmentVariable("ProgramFiles", programFiles))
         Tell("the environment variable ProgramFiles, which locates the external tool, is not set");
-    return report.empty() || !errors.empty() ? ExitCode::NoReport : ExitCode::Success;
+    return report.empty() || !errors.empty() ? ExitCode::NotDone : ExitCode::Success;
 }
 
 /// Has the module do the work and judges the outcome. A report that could be made in part only is stored, too.
@@ -118,7 +140,7 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
         RequireWritable(watch.Path());
     try
     {
-        data = AskModule(arguments, toolDirectory);
+        AskModule(arguments, toolDirectory, data);
     }
     catch (const Failure &failure)
     {
@@ -145,7 +167,7 @@ ExitCode Run(const Arguments &arguments)
 
 int main(int argumentCount, char **arguments)
 {
-    ExitCode exitCode = ExitCode::NoReport;
+    ExitCode exitCode = ExitCode::NotDone;
     try
     {
         const std::optional<Arguments> parsed = ParseArguments(argumentCount, arguments, exitCode);

@@ -1,5 +1,6 @@
 #include "AVLTree.h"
 
+#include "Comparisons.h"
 #include "TreeWalk.h"
 
 #include <algorithm>
@@ -40,123 +41,164 @@ std::int32_t Height(const AVLNode_t *node)
     return node ? node->height : 0;
 }
 
-void UpdateHeight(AVLNode_t &node)
+void UpdateHeight(AVLNode_t *node)
 {
-    node.height = 1 + std::max(Height(node.child[kLeft]), Height(node.child[kRight]));
+    node->height = 1 + std::max(Height(node->child[kLeft]), Height(node->child[kRight]));
 }
 
-/// Lowers `node` to the given side and lifts its child from the other one into its place.
-void Rotate(AVLNode_t *&node, TreeSide_t side)
+/// Lowers `node` to the given side and returns its child from the other one, lifted into its place.
+AVLNode_t *Rotate(AVLNode_t *node, TreeSide_t side)
 {
-    AVLNode_t *const lowered = node;
-    AVLNode_t *const lifted = lowered->child[1 - side];
-    lowered->child[1 - side] = std::exchange(lifted->child[side], lowered);
-    node = lifted;
-    UpdateHeight(*lowered);
-    UpdateHeight(*lifted);
+    AVLNode_t *const lifted = node->child[1 - side];
+    // NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker): a higher side is not empty.
+    node->child[1 - side] = std::exchange(lifted->child[side], node);
+    UpdateHeight(node);
+    UpdateHeight(lifted);
+    return lifted;
 }
 
-/// Restores the balance of `node`, whose given side is two levels higher than the other.
-void RotateFrom(AVLNode_t *&node, TreeSide_t side)
+/// Restores the balance of `node`, whose given side is two levels higher than the other. Returns the node in its place.
+AVLNode_t *RotateFrom(AVLNode_t *node, TreeSide_t side)
 {
     AVLNode_t *&higher = node->child[side];
     if (Height(higher->child[1 - side]) > Height(higher->child[side]))
-        Rotate(higher, side);
-    Rotate(node, 1 - side);
+        higher = Rotate(higher, side);
+    return Rotate(node, 1 - side);
 }
 
-/// Restores height and balance of `node` after a change below it. Returns whether the height is another one now.
-bool Restore(AVLNode_t *&node)
+/// Restores height and balance of `node` after a change below it. Returns the node in its place.
+AVLNode_t *Restore(AVLNode_t *node)
 {
-    const std::int32_t before = node->height;
     const std::int32_t balance = Height(node->child[kLeft]) - Height(node->child[kRight]);
     if (balance > 1)
-        RotateFrom(node, kLeft);
-    else if (balance < -1)
-        RotateFrom(node, kRight);
-    else
-        UpdateHeight(*node);
-    return node->height != before;
+        return RotateFrom(node, kLeft);
+    if (balance < -1)
+        return RotateFrom(node, kRight);
+    UpdateHeight(node);
+    return node;
 }
 
-/// The way from the root to a place in a tree, kept to restore the balance on the way back.
+/// A way down a tree, kept to restore the balance on the way back.
 class Path
 {
 public:
-    explicit Path(AVLNode_t *&root) : m_place(&root) {}
+    explicit Path(ContainerHandle_t &tree) : m_tree(tree), m_node(Root(tree)) {}
 
-    /// Where the way ends: the pointer that holds the node there, or null.
-    AVLNode_t *&Place() const { return *m_place; }
+    /// Where the way ends: a node, or null for the place of a missing child.
+    AVLNode_t *Node() const { return m_node; }
 
     void Descend(TreeSide_t side)
     {
-        m_passed[m_depth++] = m_place;
-        m_place = &(*m_place)->child[side];
+        m_passed[m_depth++] = m_node;
+        m_node = m_node->child[side];
     }
 
-    void RestoreUpwards()
+    /// Puts `node` (or nothing) where the way ends, which is on the given side of the last node passed, and restores
+    /// the balance of the nodes passed.
+    void Put(AVLNode_t *node, TreeSide_t side)
     {
-        while (m_depth > 0 && Restore(*m_passed[m_depth - 1]))
-            --m_depth;
+        SetChild(side, node);
+        while (m_depth > 0)
+        {
+            AVLNode_t *const passed = m_passed[--m_depth];
+            const std::int32_t height = passed->height;
+            AVLNode_t *const restored = Restore(passed);
+            if (restored != passed)
+                SetChild(SideOf(passed), restored);
+            if (restored->height == height)
+                break;
+        }
+        State(m_tree).walk.Forget();
+    }
+
+    /// The side on which `node` hangs below the last node passed.
+    TreeSide_t SideOf(const AVLNode_t *node) const
+    {
+        return m_depth > 0 && m_passed[m_depth - 1]->child[kRight] == node ? kRight : kLeft;
     }
 
 private:
-    // Of the pointers that hold the nodes, since a rotation puts another node there.
-    AVLNode_t **m_passed[kMaxTreeLevels];
+    void SetChild(TreeSide_t side, AVLNode_t *node)
+    {
+        if (m_depth > 0)
+            m_passed[m_depth - 1]->child[side] = node;
+        else
+            m_tree.head = node;
+    }
+
+    ContainerHandle_t &m_tree;
+    AVLNode_t *m_node;
+    AVLNode_t *m_passed[kMaxTreeLevels];
     std::size_t m_depth = 0;
-    AVLNode_t **m_place;
 };
 
-void Attach(ContainerHandle_t &tree, NodeOwner node)
+/// Follows `path` to the place for `data`, behind the elements equal to it. Returns on which side that is.
+TreeSide_t FindPlace(Path &path, const ContainerHandle_t &tree, const void *data)
 {
-    AVLNode_t *root = Root(tree);
-    Path path(root);
-    while (path.Place())
-        path.Descend(tree.compare(node->data, path.Place()->data) < 0 ? kLeft : kRight);
-    path.Place() = node.release();
-    path.RestoreUpwards();
-    tree.head = root;
-    State(tree).walk.Forget();
+    return WithComparison(tree,
+                          [&path, data](auto compare)
+                          {
+                              std::int32_t order = 0;
+                              while (path.Node())
+                              {
+                                  order = compare(data, path.Node()->data);
+                                  if (order < 0)
+                                      path.Descend(kLeft);
+                                  else
+                                      path.Descend(kRight);
+                              }
+                              return order < 0 ? kLeft : kRight;
+                          });
 }
 
 /// Follows `path` to the first element equal to `data`. Returns whether there is one.
 bool FindEqual(Path &path, const ContainerHandle_t &tree, const void *data)
 {
-    while (path.Place())
-    {
-        const std::int32_t order = tree.compare(data, path.Place()->data);
-        if (order == 0)
-            return true;
-        path.Descend(order < 0 ? kLeft : kRight);
-    }
-    return false;
+    return WithComparison(tree,
+                          [&path, data](auto compare)
+                          {
+                              while (path.Node())
+                              {
+                                  const std::int32_t order = compare(data, path.Node()->data);
+                                  if (order == 0)
+                                      return true;
+                                  if (order < 0)
+                                      path.Descend(kLeft);
+                                  else
+                                      path.Descend(kRight);
+                              }
+                              return false;
+                          });
+}
+
+void Attach(ContainerHandle_t &tree, NodeOwner node)
+{
+    Path path(tree);
+    const TreeSide_t side = FindPlace(path, tree, node->data);
+    path.Put(node.release(), side);
 }
 
 /// Follows `path` from a node with two children to the node next in order, whose data the first one takes over.
 void MoveToSuccessor(Path &path)
 {
-    AVLNode_t *const node = path.Place();
+    AVLNode_t *const node = path.Node();
     path.Descend(kRight);
-    while (path.Place()->child[kLeft])
+    while (path.Node()->child[kLeft])
         path.Descend(kLeft);
-    node->data = path.Place()->data;
+    node->data = path.Node()->data;
 }
 
 /// Takes the first element equal to `data` out of the tree; null when there is none. The node given back is fit to be
 /// attached again.
 NodeOwner Detach(ContainerHandle_t &tree, const void *data)
 {
-    AVLNode_t *root = Root(tree);
-    Path path(root);
+    Path path(tree);
     if (!FindEqual(path, tree, data))
         return nullptr;
-    if (path.Place()->child[kLeft] && path.Place()->child[kRight])
+    if (path.Node()->child[kLeft] && path.Node()->child[kRight])
         MoveToSuccessor(path);
-    NodeOwner node(path.Place());
-    path.Place() = node->child[node->child[kLeft] ? kLeft : kRight];
-    path.RestoreUpwards();
-    tree.head = root;
-    State(tree).walk.Forget();
+    NodeOwner node(path.Node());
+    path.Put(node->child[node->child[kLeft] ? kLeft : kRight], path.SideOf(node.get()));
     *node = AVLNode_t();
     return node;
 }

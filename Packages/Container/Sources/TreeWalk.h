@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 /// Which child of a tree's node; the other one is `1 - side`.
 using TreeSide_t = std::size_t;
@@ -25,13 +26,18 @@ template <typename Node>
 class TreeWalk
 {
 public:
-    void Forget() { m_started = false; }
+    /// Leaves the walk where it is at the end of a tree, behind every index.
+    void Forget()
+    {
+        m_depth = 0;
+        m_index = std::numeric_limits<std::uint32_t>::max();
+    }
 
     /// Stores the element at `index` of the tree below `root`, whose missing children are `none`, into `data`. Returns
     /// Success; NotFound for an index at or beyond the element count; Failed for a tree of more than kMaxTreeLevels.
     Status Retrieve(Node *root, const Node *none, std::uint32_t index, void *&data)
     {
-        if ((!m_started || index < m_index) && !Start(root, none))
+        if (index < m_index && !Start(root, none))
             return StatusCode::Failed;
         while (m_index < index && m_depth > 0)
             if (!Step(none))
@@ -47,15 +53,13 @@ private:
     {
         m_depth = 0;
         m_index = 0;
-        m_started = Descend(root, none);
-        return m_started;
+        return Descend(root, none);
     }
 
     bool Step(const Node *none)
     {
         ++m_index;
-        m_started = Descend(m_stack[--m_depth]->child[kRight], none);
-        return m_started;
+        return Descend(m_stack[--m_depth]->child[kRight], none);
     }
 
     /// Stacks `node` and everything to its left.
@@ -64,7 +68,10 @@ private:
         for (; node != none; node = node->child[kLeft])
         {
             if (m_depth == kMaxTreeLevels)
+            {
+                Forget();
                 return false;
+            }
             m_stack[m_depth++] = node;
         }
         return true;
@@ -73,6 +80,5 @@ private:
     /// The node at m_index on top, below it those that come after it and whose left side it stands in.
     Node *m_stack[kMaxTreeLevels];
     std::size_t m_depth = 0;
-    std::uint32_t m_index = 0;
-    bool m_started = false;
+    std::uint32_t m_index = std::numeric_limits<std::uint32_t>::max();
 };
