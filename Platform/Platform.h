@@ -147,8 +147,9 @@ private:
 /// A mutex of the system: a HANDLE on Windows. The thread that holds it may take it again.
 using MutexHandle = void *;
 
-/// Creates a mutex that nobody holds; null on failure. On Windows it is named (CreateMutexA), system-wide, and a null
-/// or empty `name` gives one without a name; on POSIX it belongs to the process and the name is not used.
+/// Creates a mutex that nobody holds; null on failure, also without memory. On Windows it is named (CreateMutexA),
+/// system-wide, and a null or empty `name` gives one without a name; on POSIX it belongs to the process and the name is
+/// not used.
 MutexHandle MakeMutex(const char *name);
 
 /// Waits without limit until the calling thread holds `mutex`. Returns false for null or when the wait fails.

@@ -113,8 +113,9 @@ TEST_F(DebugConfTest, LogFilesHoldTheLinesOfTheirHandles)
                             "C:TraceType<Al>\nC:FileName<c.log>\nC:DebugFlagsType<No>\n");
     const Handle handles[] = {Open("A"), Open("B"), Open("C")};
     for (const Handle handle : handles)
-        DebugTrace(handle, "F.cpp", "F", 7, TRACE_FAILURE, "%s", handle->componentName);
-    EXPECT_EQ(Masked("all.log"), "\n <--  Fn:F Ln:# TS:# A\n **ERROR**  B\n **ERROR**  <--  Fn:F Ln:# TS:# C");
+        DebugTrace(handle, "F.cpp", "F", 7, TRACE_FAILURE, "%-300s", handle->componentName);
+    const std::string error = "\n **ERROR** ", rest(254, ' '), lineOfA = "\n <--  Fn:F Ln:# TS:# A" + rest;
+    EXPECT_EQ(Masked("all.log"), lineOfA + error + " B" + rest + error + " <--  Fn:F Ln:# TS:# C" + rest);
     const unsigned char bytes[9] = {1, 2, 3, 4, 5, 6, 7, 8, 0xFF};
     DebugHandle_t closed;
     closed.componentName = "closed";
@@ -124,9 +125,9 @@ TEST_F(DebugConfTest, LogFilesHoldTheLinesOfTheirHandles)
     EXPECT_EQ(DebugTraceValues(&closed, TRACE_ERROR, bytes, 9, "", "F", 9), StatusCode::NotFound);
     for (const Handle handle : handles)
         UnInitDebugHandle(handle);
-    const std::string error = "\n **ERROR** ", dashes(20, '-'), row = error + "  Pos  0x0000#:  0x";
+    const std::string dashes(20, '-'), row = error + "  Pos  0x0000#:  0x";
     const std::string banner = error + std::string(30, ' ') + dashes + "Values" + dashes.substr(2);
-    EXPECT_EQ(Masked("ab.log"), "\n <--  Fn:F Ln:# TS:# A" + error + " B" + banner + banner + row +
+    EXPECT_EQ(Masked("ab.log"), lineOfA + error + " B" + rest + banner + banner + row +
                                     "01 0x02 0x03 0x04 0x05 0x06 0x07 0x08 " + row + "ff        ");
     EXPECT_EQ(ReadFile("c.log"), "");
 }
@@ -137,7 +138,7 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
     const Handle first = Open("Y");
     EXPECT_EQ(Settings("X:TraceType<Al>\n"), "0 1 15 P");
     UnInitDebugHandle(first);
-    EXPECT_EQ(Settings("X:TraceType<Al>\n"), "63 1 15 P");
+    EXPECT_EQ(Settings("X:TraceType<Al>\nX:FileName<whose name takes memory.log>\n"), "63 1 15 Pp");
     // An open without memory gives no handle or a good one, and keeps nothing that failed.
     for (long succeeding = 0; succeeding < 12; ++succeeding)
     {

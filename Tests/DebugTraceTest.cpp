@@ -94,6 +94,7 @@ TEST(DebugTrace, ComposesTheFieldsThatTheFormatNames)
         {63, 2, TRACE_ERROR, "F", 1234567, "\n Ln: text\n"},
         {63, 1, TRACE_ERROR, std::string(94, 'f'), 1, "\n Fn:" + std::string(94, 'f') + " text\n"},
         {63, 1, TRACE_ERROR, std::string(95, 'f'), 1, " text\n"},
+        {63, 3, TRACE_ERROR, std::string(89, 'f'), 120, " text\n"},
         {32, 11, TRACE_ERROR, "F", 1, ""},
     };
     for (const auto &row : cases)

@@ -155,15 +155,7 @@ Status InitDebugHandle(const char *componentName, DebugHandle_t **handle)
     if (!componentName || !handle)
         return StatusCode::Missing;
     registry.versionWritten = true;
-    Status status = StatusCode::NoMemory;
-    try
-    {
-        status = Open(componentName, *handle);
-    }
-    catch (const std::bad_alloc &)
-    {
-        *handle = nullptr;
-    }
+    const Status status = Open(componentName, *handle);
     // An open that failed leaves nothing behind, or a wrong log file of all packages could never be set right.
     if (!RegisteredHandle(0))
         registry.Reset();
