@@ -1,5 +1,7 @@
 #include "ModuleLogJSONWriter.h"
 
+#include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace
@@ -38,20 +40,24 @@ void ModuleLogJSONWriter::StartSubModule()
 void ModuleLogJSONWriter::StartTab(std::string /*tabName*/)
 {
     m_group.Clear();
+    m_columnsByName.resize(m_headers.size());
+    std::iota(m_columnsByName.begin(), m_columnsByName.end(), std::size_t{0});
+    // Stable, so that of two cells under one name the later one stays.
+    std::stable_sort(m_columnsByName.begin(), m_columnsByName.end(),
+                     [this](std::size_t left, std::size_t right) { return m_headers[left] < m_headers[right]; });
 }
 
 nlohmann::json ModuleLogJSONWriter::MakeItem(std::string_view row)
 {
     if (m_plainRows || IsPlainGroup())
         return std::string(row);
+    const std::vector<std::string_view> cells = SplitViews(row, kCellSeparator);
     json::object_t item;
-    auto name = m_headers.begin();
-    const auto add = [&](std::string_view cell)
+    for (const std::size_t column : m_columnsByName)
     {
-        if (name != m_headers.end())
-            item.insert_or_assign(*name++, std::string(cell));
-    };
-    ForEachPiece(row, kCellSeparator, add);
+        if (column < cells.size())
+            item.insert_or_assign(item.end(), m_headers[column], std::string(cells[column]));
+    }
     return item;
 }
 
@@ -62,6 +68,7 @@ void ModuleLogJSONWriter::EndModule()
     m_subModule.Clear();
     m_module.clear();
     m_headers.clear();
+    m_columnsByName.clear();
     m_subModCount = m_tabCount = m_groupCount = 0;
 }
 
