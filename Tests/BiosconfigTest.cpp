@@ -145,6 +145,33 @@ TEST_F(BiosconfigTest, AnUpdateShowsTheModulesMessage)
     EXPECT_NE(refused.messages.find("  Failed to Write to knobs (Update Bios Settings), "), std::string::npos);
 }
 
+TEST_F(BiosconfigTest, EveryComponentTracesIntoItsFileAndAFaultyConfigurationIsTold)
+{
+    const char *const components[] = {"BiosConfigModule",
+                                      "BiosConfigurationModule",
+                                      "ErrorUIXMLWriter",
+                                      "ModuleUIXMLWriter",
+                                      "ModuleLogXMLWriter",
+                                      "ModuleLogHTMLWriter",
+                                      "ModuleLogHTMLXMLWriter",
+                                      "ModuleLogJSONWriter",
+                                      "ModuleUIJSONWriter",
+                                      "XMLParser",
+                                      "XMLReaderLib"};
+    std::string configuration = "Global:TraceType<En>\nGlobal:OutputType<Fi>\n";
+    for (const std::string component : components)
+        configuration += component + ":FileName<" + component + ".log>\n";
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
+    WriteFile("debug.conf", configuration);
+    for (const char *const format : {"ui-xml", "log-xml", "log-html", "log-html-xml", "log-json", "ui-json"})
+        RunBiosconfig(std::string("report --tool-dir tools --format ") + format);
+    for (const std::string component : components)
+        EXPECT_TRUE(ReadFile(component + ".log").starts_with("\n -->  Fn:")) << component;
+    WriteFile("debug.conf", "Global:TraceType<En>\nGlobal:FileName<x.log\n");
+    const std::string messages = RunBiosconfig("capabilities --tool-dir tools").messages;
+    EXPECT_TRUE(messages.starts_with("biosconfig: debug.conf, line 2, is not of the form")) << messages;
+}
+
 struct BadCall
 {
     const char *arguments;

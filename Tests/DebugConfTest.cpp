@@ -1,15 +1,50 @@
-#include "DebugHandle.h"
+#include "DebugConfCheck.h"
+#include "DebugSetters.h"
+#include "DebugTrace.h"
+#include "DebugTraceValues.h"
+#include "FailingAllocation.h"
 #include "TestSupport.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <regex>
 
 namespace
 {
 
 namespace fs = std::filesystem;
-using TestSupport::TemporaryDirectory;
+using TestSupport::ReadFile;
 using TestSupport::WriteFile;
+using Handle = DebugHandle_t *;
+
+/// "traceType outputType traceFormat flags"; a letter for every flag that is on (capitals) or field that is not as in a
+/// new handle.
+std::string Describe(const DebugHandle_t &handle)
+{
+    std::string settings = std::to_string(handle.traceType) + ' ' + std::to_string(handle.outputType) + ' ' +
+                           std::to_string(handle.traceFormat) + ' ';
+    for (const auto &[on, letter] :
+         {std::pair(handle.syncPackageFile, 'S'), std::pair(handle.locked, 'L'), std::pair(handle.threaded, 'T'),
+          std::pair(handle.logToPackageFile, 'P'), std::pair(handle.syncGlobalFile, 'G'),
+          std::pair(handle.packageFile != nullptr, 'p'), std::pair(handle.globalFile != nullptr, 'g'),
+          std::pair(handle.consolePrint != std::printf, 'o'), std::pair(handle.filePrint != std::fprintf, 'f'),
+          std::pair(handle.customPrint != nullptr, 'u'), std::pair(handle.callbackMask != TRACE_ALL, 'm')})
+        settings += on ? std::string(1, letter) : "";
+    return settings;
+}
+
+Handle Open(const char *name)
+{
+    Handle handle = nullptr;
+    EXPECT_EQ(InitDebugHandle(name, &handle), StatusCode::Success) << name;
+    return handle;
+}
+
+/// A log file with '#' for every line number, time stamp and address.
+std::string Masked(const std::string &path)
+{
+    return std::regex_replace(ReadFile(path), std::regex("(Ln:|TS:|0x0000)[0-9a-f]+"), "$1#");
+}
 
 /// Works in a directory of its own, where debug.conf is looked for.
 class DebugConfTest : public testing::Test
@@ -18,77 +53,151 @@ protected:
     void SetUp() override { fs::current_path(m_directory.Path("")); }
     void TearDown() override { fs::current_path(fs::temp_directory_path()); }
 
-    /// What a handle of the component X gets from the file: "status traceType outputType traceFormat flags", the flags
-    /// as the letters of those that are on.
+    /// What a handle of the component X gets from the file.
     static std::string Settings(const std::string &configuration)
     {
         WriteFile("debug.conf", configuration);
-        DebugHandle_t *handle = nullptr;
+        Handle handle = nullptr;
         const Status status = InitDebugHandle("X", &handle);
-        std::string settings = std::to_string(status);
-        if (!handle)
-        {
-            // The file is read again once a handle that it lets open has been the last.
-            EXPECT_EQ(InitDebugHandle("other", &handle), StatusCode::Success);
-            EXPECT_EQ(UnInitDebugHandle(handle), StatusCode::Success);
-            return settings;
-        }
-        for (const std::uint64_t value : {handle->traceType, handle->outputType, std::uint64_t{handle->traceFormat}})
-            settings += ' ' + std::to_string(value);
-        settings += ' ';
-        for (const auto &[flag, letter] :
-             {std::pair(handle->syncPackageFile, 'S'), std::pair(handle->locked, 'L'), std::pair(handle->threaded, 'T'),
-              std::pair(handle->logToPackageFile, 'P'), std::pair(handle->syncGlobalFile, 'G'),
-              std::pair(handle->packageFile != nullptr, 'p'), std::pair(handle->globalFile != nullptr, 'g')})
-            settings += flag ? std::string(1, letter) : "";
-        EXPECT_EQ(UnInitDebugHandle(handle), StatusCode::Success);
+        const std::string settings = handle ? Describe(*handle) : std::to_string(status);
+        UnInitDebugHandle(handle);
         return settings;
     }
 
-    TemporaryDirectory m_directory;
+    TestSupport::TemporaryDirectory m_directory;
 };
 
 TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
 {
-    const std::string defaults = "1 0 1 15 P";
+    const std::string unchanged = "0 1 15 P", unused = "; no trace setting takes effect";
+    const std::string form = "is not of the form NAME : KEY < VALUE >" + unused, text63(63, 'x');
     const struct
     {
-        std::string configuration;
-        std::string settings;
+        std::string configuration, settings, fault;
     } cases[] = {
-        {"", defaults},
-        {"[GLOBAL]\r\n # comment\n\n[PACKAGES]\n", defaults},
-        {"Y:TraceType<Al>\n", defaults},
-        {" X : TraceType < En Ex > behind\r\n", "1 33 1 15 P"},
-        {"X:TraceType<EnNoEx>\nX:OutputType<Al>\nX:TraceFormatType<FnTd>\n", "1 32 7 9 P"},
-        {"X:TraceType<En>\nX:TraceType<>\n", "1 0 1 15 P"},
-        {"X:TraceType<Al>\nX:DebugFlagsType<SyTr>\n", "1 63 1 15 ST"},
-        {"X:DebugFlagsType<Al>\nX:SyncFlag<Y>\n", "1 0 1 15 SLTP"},
-        {"X:TraceType<En>\nGlobal:TraceType<Er>\nGlobal:SyncFlag<Y>\nX:OutputType<CoFi>\n", "1 16 3 15 PG"},
-        {"X:FileName<x.log>\nGlobal:FileName<all.log>\nGlobal:SyncFlag<no>\n", "1 0 1 15 Ppg"},
-        {"X:FileName<no folder/x.log>\n", "5"},
-        {"Y:FileName<no folder/y.log>\nX:TraceType<In>\n", "1 2 1 15 P"},
+        {"[GLOBAL]\r\n # comment\n\n[PACK AGES]\n#" + std::string(254, 'x') + "\r\n", unchanged, ""},
+        {"Y:TraceType<Al>\nX" + text63 + ":TraceType<Al>\n", unchanged, ""},
+        {" X : Trace Type < En\tEx > behind\r\nX:SyncFlag<Y>", "33 1 15 P", ""},
+        {"X:TraceType<EnNoEx>\nX:OutputType<Al>\nX:TraceFormatType<FnTd>\n", "32 7 9 P", ""},
+        {"X:TraceType<PaWaInEr>\nX:OutputType<FiIn>\nX:TraceFormatType<LnTi>\n", "30 6 6 P", ""},
+        {"X:TraceType<En>\nX:OutputType<No>\nX:TraceType<>\nX:TraceFormatType<Al>\n", "0 0 15 P", ""},
+        {"X:TraceType<Al>\nX:OutputType<Co>\nX:DebugFlagsType<SyTr>\n", "63 1 15 ST", ""},
+        {"X:DebugFlagsType<SyTrNoLoLg>\n", "0 1 15 LP", ""},
+        {"X:TraceType<En>\nGlobal:TraceType<Er>\nGlobal:SyncFlag<Y>\nX:OutputType<CoFi>\n", "16 3 15 PG", ""},
+        {"X:FileName<x.log>\nGlobal:FileName<all.log>\nGlobal:SyncFlag<y>\n", "0 1 15 Ppg", ""},
+        {"X:FileName<" + text63 + "/x.log>\n", "0 1 15 Pp", ""},
+        {"Y:FileName<no/y>\n", unchanged, ", the log file \"no/y\" cannot be written; there are no traces of Y"},
+        {"Global:FileName<>\n", "5", ", the log file \"\" cannot be written; there are no traces at all"},
         // One bad line, and no setting counts.
-        {"X:TraceType<Al>\nX:TraceType<E>\n", defaults},
-        {"X:TraceType<Al>\nX:TraceType<Xx>\n", defaults},
-        {"X:TraceType<Al>\nX:Colour<Al>\n", defaults},
-        {"X:TraceType<Al>\nX:TraceType<Al\n", defaults},
-        {"X:TraceType<Al>\nX TraceType<Al>\n", defaults},
-        {"X:TraceType<Al>\nX:" + std::string(300, 'x') + "<Al>\n", defaults},
+        {"X:TraceType<Al>\nX:TraceType<EnE>\n", unchanged, ", line 2, holds a code of one character" + unused},
+        {"X:TraceType<Al>\n\nX:OutputType<En>", unchanged, ", line 3, holds an unknown code" + unused},
+        {"X:Colour<Al>\nX:TraceType<Al>\n", unchanged, ", line 1, holds an unknown key" + unused},
+        {"X:TraceType<Al>\nX:TraceType<Al\n", unchanged, ", line 2, " + form},
+        {"X:TraceType Al>\n", unchanged, ", line 1, " + form},
+        {"X:TraceType<Al>\n#" + std::string(255, 'x'), unchanged, ", line 2, is longer than 255 characters" + unused},
     };
-    for (const auto &[configuration, settings] : cases)
+    for (const auto &[configuration, settings, fault] : cases)
+    {
         EXPECT_EQ(Settings(configuration), settings) << configuration;
-    fs::remove("debug.conf");
+        const std::vector<std::string> faults = CheckDebugConf();
+        EXPECT_EQ(faults.empty() ? "debug.conf" : faults.at(0), "debug.conf" + fault) << configuration;
+    }
+    EXPECT_TRUE(fs::exists(text63)); // of a file name that is too long 63 characters are kept
+}
+
+TEST_F(DebugConfTest, LogFilesHoldTheLinesOfTheirHandles)
+{
+    WriteFile("all.log", "of an earlier run");
+    WriteFile("debug.conf", "Global:FileName<all.log>\nGlobal:OutputType<Fi>\nGlobal:SyncFlag<Y>\nA:TraceType<EnEx>\n"
+                            "A:FileName<ab.log>\nB:TraceType<Er>\nB:FileName<ab.log>\nB:TraceFormatType<Td>\n"
+                            "C:TraceType<Al>\nC:FileName<c.log>\nC:DebugFlagsType<No>\n");
+    const Handle handles[] = {Open("A"), Open("B"), Open("C")};
+    for (const Handle handle : handles)
+        DebugTrace(handle, "F.cpp", "F", 7, TRACE_FAILURE, "%s", handle->componentName);
+    EXPECT_EQ(Masked("all.log"), "\n <--  Fn:F Ln:# TS:# A\n **ERROR**  B\n **ERROR**  <--  Fn:F Ln:# TS:# C");
+    const unsigned char bytes[9] = {1, 2, 3, 4, 5, 6, 7, 8, 0xFF};
+    DebugHandle_t closed;
+    closed.componentName = "closed";
+    EXPECT_EQ(DebugTraceValues(handles[1], TRACE_ERROR, bytes, 0, "", "F", 9), StatusCode::Success);
+    EXPECT_EQ(DebugTraceValues(handles[1], TRACE_ERROR, bytes, 9, "", "F", 9), StatusCode::Success);
+    EXPECT_EQ(DebugTraceValues(handles[1], TRACE_ERROR, nullptr, 9, "", "F", 9), StatusCode::Missing);
+    EXPECT_EQ(DebugTraceValues(&closed, TRACE_ERROR, bytes, 9, "", "F", 9), StatusCode::NotFound);
+    for (const Handle handle : handles)
+        UnInitDebugHandle(handle);
+    const std::string error = "\n **ERROR** ", dashes(20, '-'), row = error + "  Pos  0x0000#:  0x";
+    const std::string banner = error + std::string(30, ' ') + dashes + "Values" + dashes.substr(2);
+    EXPECT_EQ(Masked("ab.log"), "\n <--  Fn:F Ln:# TS:# A" + error + " B" + banner + banner + row +
+                                    "01 0x02 0x03 0x04 0x05 0x06 0x07 0x08 " + row + "ff        ");
+    EXPECT_EQ(ReadFile("c.log"), "");
 }
 
 TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
 {
     WriteFile("debug.conf", "X:TraceType<bad>\n");
-    DebugHandle_t *first = nullptr;
-    ASSERT_EQ(InitDebugHandle("Y", &first), StatusCode::Success);
-    EXPECT_EQ(Settings("X:TraceType<Al>\n"), "1 0 1 15 P");
+    const Handle first = Open("Y");
+    EXPECT_EQ(Settings("X:TraceType<Al>\n"), "0 1 15 P");
     UnInitDebugHandle(first);
-    EXPECT_EQ(Settings("X:TraceType<Al>\n"), "1 63 1 15 P");
+    EXPECT_EQ(Settings("X:TraceType<Al>\n"), "63 1 15 P");
+    // An open without memory gives no handle or a good one, and keeps nothing that failed.
+    for (long succeeding = 0; succeeding < 12; ++succeeding)
+    {
+        Handle handle = nullptr;
+        const Status status = WithoutMemory(succeeding, [&handle] { return InitDebugHandle("X", &handle); });
+        EXPECT_EQ(handle != nullptr, status == StatusCode::Success) << succeeding;
+        UnInitDebugHandle(handle);
+    }
+    char version[kDebugVersionSize] = {};
+    EXPECT_EQ(GetDebugLibVersion(version), StatusCode::Success);
+    EXPECT_EQ(std::string(version) + (version + 3) + (version + 6) + (version + 11), "020001001");
+}
+
+TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
+{
+    constexpr Status one = StatusCode::NotFound; // what a setter of one handle gives for a locked one
+    constexpr Status all = StatusCode::Success;
+    const struct
+    {
+        Status (*set)(Handle);
+        Status ofClosed, ofLocked;
+        const char *settings;
+    } cases[] = {
+        {[](Handle handle) { return SetTraceType(handle, TRACE_WARN | 64, true); }, one, one, "72 1 15 P"},
+        {[](Handle handle) { return SetOutputType(handle, OUTPUT_CONSOLE, false); }, one, one, "0 0 15 P"},
+        {[](Handle handle) { return SetTraceFormat(handle, FORMAT_TIME, false); }, one, one, "0 1 11 P"},
+        {[](Handle handle) { return SetPackageFile(handle, stdout); }, one, one, "0 1 15 Pp"},
+        {[](Handle handle) { return SetTraceCallbackMask(handle, 0); }, one, one, "0 1 15 Pm"},
+        {[](Handle handle) { return SetConsolePrint(handle, std::scanf); }, one, one, "0 1 15 Po"},
+        {[](Handle handle) { return SetFilePrint(handle, std::fscanf); }, one, one, "0 1 15 Pf"},
+        {[](Handle handle) { return SetCustomPrint(handle, std::printf); }, one, one, "0 1 15 Pu"},
+        {[](Handle handle) { return SetDebugFlag(handle, 9, true); }, one, all, "0 1 15 SP"},
+        {[](Handle handle) { return SetDebugFlag(handle, 14, false); }, one, all, "0 1 15 "},
+        {[](Handle handle) { return SetDebugFlag(handle, 38, true); }, one, all, "0 1 15 TP"},
+        {[](Handle) { return SetTraceTypeAll(TRACE_ERROR, true); }, all, one, "16 1 15 P"},
+        {[](Handle) { return SetOutputTypeAll(OUTPUT_FILE, true); }, all, one, "0 3 15 P"},
+        {[](Handle) { return SetTraceFormatAll(FORMAT_TAGS, false); }, all, one, "0 1 7 P"},
+        {[](Handle) { return SetGlobalFileAll(stdout); }, all, one, "0 1 15 Pg"},
+        {[](Handle) { return SetDebugFlagAll(9, true); }, all, all, "0 1 15 SP"},
+        {[](Handle) { return SetDebugFlagAll(10, true); }, all, all, "0 1 15 LP"},
+        {[](Handle) { return SetGlobalFileSyncAll(true); }, all, all, "0 1 15 PG"},
+    };
+    DebugHandle_t closed;
+    closed.componentName = "X";
+    for (const auto &[set, ofClosed, ofLocked, settings] : cases)
+    {
+        EXPECT_EQ(set(nullptr), ofClosed == one ? StatusCode::Missing : all) << settings;
+        EXPECT_EQ(set(&closed), ofClosed) << settings;
+        const Handle handle = Open("X"), locked = Open("Y");
+        locked->locked = true;
+        EXPECT_EQ(set(handle), StatusCode::Success) << settings;
+        EXPECT_EQ(Describe(*handle), settings);
+        EXPECT_EQ(ofClosed == one ? set(locked) : ofLocked, ofLocked) << settings;
+        EXPECT_TRUE(ofLocked == all || Describe(*locked) == "0 1 15 LP") << settings;
+        EXPECT_EQ(SetTraceType(handle, 64, true) + SetDebugFlag(handle, 64, true), 2 * StatusCode::NotFound);
+        UnInitDebugHandle(handle);
+        UnInitDebugHandle(locked);
+    }
+    EXPECT_EQ(SetPackageFile(&closed, nullptr), StatusCode::Missing);
+    EXPECT_EQ(SetTraceFormatAll(16, true) + SetDebugFlagAll(16, true), 2 * StatusCode::NotFound);
 }
 
 } // namespace

@@ -116,8 +116,7 @@ constexpr FlagField kFlagFields[] = {{FLAG_SYNC_PACKAGE_FILE, &DebugHandle_t::sy
 Status InitDebugHandle(const char *componentName, DebugHandle_t **handle);
 
 /// Releases one open of `handle`; the last one frees it, and with the last handle of all the log files are closed and
-/// debug.conf is forgotten. Returns Success; Missing for null; Failed when no open handle has its component name. What
-/// is still open when the library is unloaded, is released then.
+/// debug.conf is forgotten. Returns Success; Missing for null; Failed when no open handle has its component name.
 Status UnInitDebugHandle(DebugHandle_t *handle);
 
 constexpr std::size_t kDebugVersionSize = 16;

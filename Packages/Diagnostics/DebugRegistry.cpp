@@ -155,14 +155,19 @@ Status InitDebugHandle(const char *componentName, DebugHandle_t **handle)
     if (!componentName || !handle)
         return StatusCode::Missing;
     registry.versionWritten = true;
+    Status status = StatusCode::NoMemory;
     try
     {
-        return Open(componentName, *handle);
+        status = Open(componentName, *handle);
     }
     catch (const std::bad_alloc &)
     {
-        return StatusCode::NoMemory;
+        *handle = nullptr;
     }
+    // An open that failed leaves nothing behind, or a wrong log file of all packages could never be set right.
+    if (!RegisteredHandle(0))
+        registry.Reset();
+    return status;
 }
 
 Status UnInitDebugHandle(DebugHandle_t *handle)

@@ -2,10 +2,12 @@
 
 #include "Platform.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdarg>
 #include <cstring>
 #include <string_view>
+#include <system_error>
 
 namespace
 {
@@ -25,11 +27,13 @@ constexpr LevelTag kTagsInPrintOrder[] = {{TRACE_INFO, " Info "}, {TRACE_PARAM, 
                                           {TRACE_WARN, " WARN "}, {TRACE_ERROR, " **ERROR** "},
                                           {TRACE_ENTRY, " --> "}, {TRACE_EXIT, " <-- "}};
 
-/// The fields in front of the message. Empty when they do not fit.
-class Header
+/// One line on its way to the sinks: the header with the fields in front, a blank and the message, put together where
+/// they are to stand, so that nothing is copied or measured twice.
+class Line
 {
 public:
-    Header(const DebugHandle_t &handle, std::uint32_t level, const char *functionName, std::uint32_t line)
+    /// The header; it stays empty when the fields do not fit.
+    void SetHeader(const DebugHandle_t &handle, std::uint32_t level, const char *functionName, std::uint32_t line)
     {
         Append("\n");
         if (handle.traceFormat & FORMAT_TAGS)
@@ -44,28 +48,61 @@ public:
         if (handle.traceFormat & FORMAT_TIME)
             AppendTime();
         if (!m_fits)
-            m_length = 0;
-        m_text[m_length] = '\0';
+            m_headerLength = 0;
     }
 
-    const char *Text() const { return m_text; }
-    std::size_t Length() const { return m_length; }
+    /// The message; to be set after the header. Cut to the characters that fit.
+    void SetMessage(const char *format, va_list arguments)
+    {
+        m_text[m_headerLength] = ' ';
+        char *const message = m_text + m_headerLength + 1;
+        const int length = std::vsnprintf(message, kMessageLimit, format, arguments);
+        if (length > 0)
+            m_messageLength = std::min(static_cast<std::size_t>(length), kMessageLimit - 1);
+        message[m_messageLength] = '\0';
+    }
+
+    const char *Message() const { return m_text + m_headerLength + 1; }
+
+    /// The C library's own print functions would only put header and message together, so the line goes to their
+    /// streams as it is; a print function of somebody else's gets the format and the two texts.
+    void Print(ConsolePrint_t print)
+    {
+        if (print == static_cast<ConsolePrint_t>(std::printf))
+            Write(stdout);
+        else if (print)
+            WithHeaderEnded([&] { print("%s %s", m_text, Message()); });
+    }
+
+    void Print(FilePrint_t print, std::FILE *stream, bool sync)
+    {
+        if (!print || !stream)
+            return;
+        if (print != static_cast<FilePrint_t>(std::fprintf))
+        {
+            WithHeaderEnded([&] { print(stream, "%s %s", m_text, Message()); });
+            return;
+        }
+        Write(stream);
+        if (sync)
+            std::fflush(stream);
+    }
 
 private:
     void Append(std::string_view text)
     {
-        m_fits = m_fits && text.size() < kHeaderSize - m_length;
+        m_fits = m_fits && text.size() < kHeaderSize - m_headerLength;
         if (!m_fits)
             return;
-        std::memcpy(m_text + m_length, text.data(), text.size());
-        m_length += text.size();
+        std::memcpy(m_text + m_headerLength, text.data(), text.size());
+        m_headerLength += text.size();
     }
 
     void AppendNumber(std::uint64_t number)
     {
-        char digits[20];
-        const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-        Append({digits, static_cast<std::size_t>(end - digits)});
+        const auto [end, error] = std::to_chars(m_text + m_headerLength, m_text + kHeaderSize - 1, number);
+        m_fits = m_fits && error == std::errc();
+        m_headerLength = static_cast<std::size_t>(end - m_text);
     }
 
     void AppendTags(std::uint64_t levels)
@@ -94,59 +131,23 @@ private:
             Append("NA");
     }
 
-    char m_text[kHeaderSize];
-    std::size_t m_length = 0;
+    void Write(std::FILE *stream) const { std::fwrite(m_text, 1, m_headerLength + 1 + m_messageLength, stream); }
+
+    template <typename Call>
+    void WithHeaderEnded(Call call)
+    {
+        m_text[m_headerLength] = '\0';
+        call();
+        m_text[m_headerLength] = ' ';
+    }
+
+    std::size_t m_headerLength = 0;
+    std::size_t m_messageLength = 0;
     bool m_fits = true;
+    char m_text[kHeaderSize + kMessageBufferSize];
 };
 
-/// One line on its way to the sinks. The C library's own print functions would only put the two texts together, so the
-/// line goes to their streams as it is; a print function of somebody else's gets the format and the texts.
-class Line
-{
-public:
-    Line(const Header &header, const char *message) : m_header(header.Text()), m_message(message)
-    {
-        Append(header.Text(), header.Length());
-        Append(" ", 1);
-        Append(message, std::strlen(message));
-    }
-
-    void Print(ConsolePrint_t print) const
-    {
-        if (print == static_cast<ConsolePrint_t>(std::printf))
-            std::fwrite(m_text, 1, m_length, stdout);
-        else if (print)
-            print("%s %s", m_header, m_message);
-    }
-
-    void Print(FilePrint_t print, std::FILE *stream, bool sync) const
-    {
-        if (!print || !stream)
-            return;
-        if (print != static_cast<FilePrint_t>(std::fprintf))
-        {
-            print(stream, "%s %s", m_header, m_message);
-            return;
-        }
-        std::fwrite(m_text, 1, m_length, stream);
-        if (sync)
-            std::fflush(stream);
-    }
-
-private:
-    void Append(const char *text, std::size_t length)
-    {
-        std::memcpy(m_text + m_length, text, length);
-        m_length += length;
-    }
-
-    const char *m_header;
-    const char *m_message;
-    std::size_t m_length = 0;
-    char m_text[kHeaderSize + kMessageLimit];
-};
-
-void PrintToSinks(const DebugHandle_t &handle, const Line &line)
+void PrintToSinks(const DebugHandle_t &handle, Line &line)
 {
     if (handle.outputType & OUTPUT_CONSOLE)
         line.Print(handle.consolePrint);
@@ -160,26 +161,20 @@ void PrintToSinks(const DebugHandle_t &handle, const Line &line)
         line.Print(handle.customPrint);
 }
 
-Status TraceArguments(const DebugHandle_t *handle, const char * /*sourceFile*/, const char *functionName,
-                      std::uint32_t line, std::uint32_t level, const char *format, va_list arguments)
+/// Makes the line and hands it out; for a handle that wants it.
+void Trace(const DebugHandle_t &handle, const char * /*sourceFile*/, const char *functionName, std::uint32_t lineNumber,
+           std::uint32_t level, const char *format, va_list arguments)
 {
-    if (!handle)
-        return StatusCode::Missing;
-    if (!TraceWanted(handle, level))
-        return StatusCode::Success;
-
-    char message[kMessageBufferSize];
-    if (std::vsnprintf(message, kMessageLimit, format, arguments) < 0)
-        message[0] = '\0';
-    const std::uint64_t callbackLevel = level & handle->callbackMask;
-    if (handle->callback && callbackLevel != 0)
-        handle->callback(static_cast<std::uint32_t>(callbackLevel), message, kMessageBufferSize);
-    if ((handle->outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) == 0 || (handle->traceType & level) == 0)
-        return StatusCode::Success;
-
-    const Header header(*handle, level, functionName, line);
-    PrintToSinks(*handle, Line(header, message));
-    return StatusCode::Success;
+    Line line;
+    const bool printed = (handle.outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) != 0 && (handle.traceType & level) != 0;
+    if (printed)
+        line.SetHeader(handle, level, functionName, lineNumber);
+    line.SetMessage(format, arguments);
+    const std::uint64_t callbackLevel = level & handle.callbackMask;
+    if (handle.callback && callbackLevel != 0)
+        handle.callback(static_cast<std::uint32_t>(callbackLevel), line.Message(), kMessageBufferSize);
+    if (printed)
+        PrintToSinks(handle, line);
 }
 
 } // namespace
@@ -187,17 +182,21 @@ Status TraceArguments(const DebugHandle_t *handle, const char * /*sourceFile*/, 
 Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName, std::uint32_t line,
                   std::uint32_t level, const char *format, ...)
 {
+    if (!handle)
+        return StatusCode::Missing;
+    if (!TraceWanted(handle, level))
+        return StatusCode::Success;
     std::va_list arguments;
     va_start(arguments, format);
-    const Status status = TraceArguments(handle, sourceFile, functionName, line, level, format, arguments);
+    Trace(*handle, sourceFile, functionName, line, level, format, arguments);
     va_end(arguments);
-    return status;
+    return StatusCode::Success;
 }
 
 void FunctionTrace::Line(std::uint32_t line, std::uint32_t level, const char *format, ...) const
 {
     std::va_list arguments;
     va_start(arguments, format);
-    TraceArguments(m_handle, m_sourceFile, m_functionName, line, level, format, arguments);
+    Trace(*m_handle, m_sourceFile, m_functionName, line, level, format, arguments);
     va_end(arguments);
 }

@@ -87,7 +87,7 @@ public:
         return status;
     }
 
-    /// For the macros below, which test first whether the line is wanted.
+    /// Writes a line that is wanted; the macros below test that first.
     void Line(std::uint32_t line, std::uint32_t level, const char *format, ...) const
         __attribute__((format(printf, 4, 5)));
 
