@@ -160,7 +160,7 @@ TEST_F(BiosconfigTest, EveryComponentTracesIntoItsFileAndAFaultyConfigurationIsT
                                       "XMLReaderLib"};
     std::string configuration = "Global:TraceType<En>\nGlobal:OutputType<Fi>\n";
     for (const std::string component : components)
-        configuration += component + ":FileName<" + component + ".log>\n";
+        configuration.append(component).append(":FileName<").append(component).append(".log>\n");
     const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
     WriteFile("debug.conf", configuration);
     for (const char *const format : {"ui-xml", "log-xml", "log-html", "log-html-xml", "log-json", "ui-json"})

@@ -59,7 +59,7 @@ protected:
         WriteFile("debug.conf", configuration);
         Handle handle = nullptr;
         const Status status = InitDebugHandle("X", &handle);
-        const std::string settings = handle ? Describe(*handle) : std::to_string(status);
+        std::string settings = handle ? Describe(*handle) : std::to_string(status);
         UnInitDebugHandle(handle);
         return settings;
     }
@@ -151,53 +151,48 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
     EXPECT_EQ(std::string(version) + (version + 3) + (version + 6) + (version + 11), "020001001");
 }
 
+std::vector<Status> SetEverything(Handle handle)
+{
+    return {SetTraceType(handle, TRACE_WARN | 64, true), SetOutputType(handle, OUTPUT_CONSOLE, false),
+            SetTraceFormat(handle, FORMAT_TIME, false),  SetPackageFile(handle, stdout),
+            SetTraceCallback(handle, nullptr),           SetTraceCallbackMask(handle, 0),
+            SetConsolePrint(handle, std::scanf),         SetFilePrint(handle, std::fscanf),
+            SetCustomPrint(handle, std::printf)};
+}
+
+std::vector<Status> SetAll(std::uint32_t mask)
+{
+    return {SetTraceTypeAll(mask, true), SetOutputTypeAll(mask, true), SetTraceFormatAll(mask, false)};
+}
+
 TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
 {
-    constexpr Status one = StatusCode::NotFound; // what a setter of one handle gives for a locked one
-    constexpr Status all = StatusCode::Success;
-    const struct
-    {
-        Status (*set)(Handle);
-        Status ofClosed, ofLocked;
-        const char *settings;
-    } cases[] = {
-        {[](Handle handle) { return SetTraceType(handle, TRACE_WARN | 64, true); }, one, one, "72 1 15 P"},
-        {[](Handle handle) { return SetOutputType(handle, OUTPUT_CONSOLE, false); }, one, one, "0 0 15 P"},
-        {[](Handle handle) { return SetTraceFormat(handle, FORMAT_TIME, false); }, one, one, "0 1 11 P"},
-        {[](Handle handle) { return SetPackageFile(handle, stdout); }, one, one, "0 1 15 Pp"},
-        {[](Handle handle) { return SetTraceCallbackMask(handle, 0); }, one, one, "0 1 15 Pm"},
-        {[](Handle handle) { return SetConsolePrint(handle, std::scanf); }, one, one, "0 1 15 Po"},
-        {[](Handle handle) { return SetFilePrint(handle, std::fscanf); }, one, one, "0 1 15 Pf"},
-        {[](Handle handle) { return SetCustomPrint(handle, std::printf); }, one, one, "0 1 15 Pu"},
-        {[](Handle handle) { return SetDebugFlag(handle, 9, true); }, one, all, "0 1 15 SP"},
-        {[](Handle handle) { return SetDebugFlag(handle, 14, false); }, one, all, "0 1 15 "},
-        {[](Handle handle) { return SetDebugFlag(handle, 38, true); }, one, all, "0 1 15 TP"},
-        {[](Handle) { return SetTraceTypeAll(TRACE_ERROR, true); }, all, one, "16 1 15 P"},
-        {[](Handle) { return SetOutputTypeAll(OUTPUT_FILE, true); }, all, one, "0 3 15 P"},
-        {[](Handle) { return SetTraceFormatAll(FORMAT_TAGS, false); }, all, one, "0 1 7 P"},
-        {[](Handle) { return SetGlobalFileAll(stdout); }, all, one, "0 1 15 Pg"},
-        {[](Handle) { return SetDebugFlagAll(9, true); }, all, all, "0 1 15 SP"},
-        {[](Handle) { return SetDebugFlagAll(10, true); }, all, all, "0 1 15 LP"},
-        {[](Handle) { return SetGlobalFileSyncAll(true); }, all, all, "0 1 15 PG"},
-    };
+    const std::vector<Status> refused(9, StatusCode::NotFound), all(3, StatusCode::Success);
     DebugHandle_t closed;
     closed.componentName = "X";
-    for (const auto &[set, ofClosed, ofLocked, settings] : cases)
-    {
-        EXPECT_EQ(set(nullptr), ofClosed == one ? StatusCode::Missing : all) << settings;
-        EXPECT_EQ(set(&closed), ofClosed) << settings;
-        const Handle handle = Open("X"), locked = Open("Y");
-        locked->locked = true;
-        EXPECT_EQ(set(handle), StatusCode::Success) << settings;
-        EXPECT_EQ(Describe(*handle), settings);
-        EXPECT_EQ(ofClosed == one ? set(locked) : ofLocked, ofLocked) << settings;
-        EXPECT_TRUE(ofLocked == all || Describe(*locked) == "0 1 15 LP") << settings;
-        EXPECT_EQ(SetTraceType(handle, 64, true) + SetDebugFlag(handle, 64, true), 2 * StatusCode::NotFound);
-        UnInitDebugHandle(handle);
-        UnInitDebugHandle(locked);
-    }
-    EXPECT_EQ(SetPackageFile(&closed, nullptr), StatusCode::Missing);
-    EXPECT_EQ(SetTraceFormatAll(16, true) + SetDebugFlagAll(16, true), 2 * StatusCode::NotFound);
+    EXPECT_EQ(SetEverything(&closed), refused);
+    EXPECT_EQ(SetEverything(nullptr), std::vector<Status>(9, StatusCode::Missing));
+    EXPECT_EQ(SetAll(2), all);
+    const Handle handle = Open("X"), locked = Open("Y");
+    EXPECT_EQ(SetDebugFlag(locked, FLAG_LOCKED, true), StatusCode::Success);
+    EXPECT_EQ(SetEverything(locked), refused);
+    EXPECT_EQ(SetAll(2), all);
+    EXPECT_EQ(SetAll(64), std::vector<Status>(3, StatusCode::NotFound));
+    EXPECT_EQ(SetGlobalFileAll(stdout), StatusCode::Success);
+    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "2 3 13 Pg/0 1 15 LP");
+    EXPECT_EQ(SetEverything(handle), std::vector<Status>(9, StatusCode::Success));
+    EXPECT_EQ(Describe(*handle), "74 2 9 Ppgofum");
+    EXPECT_EQ(SetPackageFile(handle, nullptr), StatusCode::Missing);
+    EXPECT_EQ(SetTraceType(handle, 64, true), StatusCode::NotFound);
+    // The first of several flags is set, in one order for one handle and in another for all.
+    EXPECT_EQ(SetDebugFlag(handle, 64, true) + SetDebugFlagAll(16, true), 2 * StatusCode::NotFound);
+    EXPECT_EQ(SetDebugFlag(handle, 9, true) + SetDebugFlag(handle, 14, false), 2 * StatusCode::Success);
+    EXPECT_EQ(SetDebugFlag(handle, 38, true) + SetGlobalFileSyncAll(true), 2 * StatusCode::Success);
+    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 STGpgofum/0 1 15 LPG");
+    EXPECT_EQ(SetDebugFlagAll(9, false) + SetDebugFlagAll(10, false), 2 * StatusCode::Success);
+    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 TGpgofum/0 1 15 PG");
+    UnInitDebugHandle(handle);
+    UnInitDebugHandle(locked);
 }
 
 } // namespace

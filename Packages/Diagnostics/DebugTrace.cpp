@@ -51,15 +51,17 @@ public:
             m_headerLength = 0;
     }
 
-    /// The message; to be set after the header. Cut to the characters that fit.
-    void SetMessage(const char *format, va_list arguments)
+    /// Where the message is to be written, at most kMessageLimit characters with the terminating zero; to be asked for
+    /// when the header is complete.
+    char *MessageBuffer() { return m_text + m_headerLength + 1; }
+
+    /// Ends the line behind the message that vsnprintf wrote; `length` is what it returned.
+    void EndMessage(int length)
     {
         m_text[m_headerLength] = ' ';
-        char *const message = m_text + m_headerLength + 1;
-        const int length = std::vsnprintf(message, kMessageLimit, format, arguments);
         if (length > 0)
             m_messageLength = std::min(static_cast<std::size_t>(length), kMessageLimit - 1);
-        message[m_messageLength] = '\0';
+        MessageBuffer()[m_messageLength] = '\0';
     }
 
     const char *Message() const { return m_text + m_headerLength + 1; }
@@ -169,7 +171,7 @@ void Trace(const DebugHandle_t &handle, const char * /*sourceFile*/, const char 
     const bool printed = (handle.outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) != 0 && (handle.traceType & level) != 0;
     if (printed)
         line.SetHeader(handle, level, functionName, lineNumber);
-    line.SetMessage(format, arguments);
+    line.EndMessage(std::vsnprintf(line.MessageBuffer(), kMessageLimit, format, arguments));
     const std::uint64_t callbackLevel = level & handle.callbackMask;
     if (handle.callback && callbackLevel != 0)
         handle.callback(static_cast<std::uint32_t>(callbackLevel), line.Message(), kMessageBufferSize);
