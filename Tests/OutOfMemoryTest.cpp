@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <utility>
 
 namespace
 {
@@ -57,6 +58,39 @@ TEST(OutOfMemory, EndsAReportWithAStatus)
         EXPECT_EQ(handle->refCount, 1) << component;
         UnInitDebugHandle(handle);
     }
+}
+
+// The JSON library cannot free a document without memory: the first call fails behind InitModule.
+TEST(OutOfMemory, EndsAnUpdateWithAnOutcome)
+{
+    Machine &machine = Machine::Fresh();
+    const ParameterMap parameters = {{"toolxmlpath", machine.HostDirectory()}};
+    TestSupport::WriteFile(machine.HostFile("t.txt"), "BootFast=Enabled;BootMode=Legacy");
+    std::string ignored;
+    ASSERT_EQ(UpdateBiosSettings(machine.HostFile("t.ini"), ignored, parameters), StatusCode::NotFound);
+    const std::string firmware = TestSupport::ReadFile(machine.ToolFile("FenrikBinary/FenrikFirmware.json"));
+    const auto isProgrammed = [&]
+    { return TestSupport::ReadFile(machine.ToolFile("FenrikBinary/FenrikFirmware.json")) != firmware; };
+
+    std::vector<Cap *> caps;
+    BiosConfigModule module;
+    allocationsLeft = kMostAllocations;
+    module.InitModule(caps, parameters);
+    const std::unique_ptr<Cap> cap(caps.at(0));
+    const long first = kMostAllocations - std::exchange(allocationsLeft, -1) + 4;
+    long succeeding = first;
+    for (; !isProgrammed() && succeeding < kMostAllocations; ++succeeding)
+    {
+        std::string message;
+        std::string path = machine.HostFile("t.txt");
+        ParameterMap copy = parameters;
+        const Status status =
+            WithoutMemory(succeeding, [&] { return UpdateBiosSettings(std::move(path), message, std::move(copy)); });
+        EXPECT_EQ(status == StatusCode::Success, isProgrammed()) << succeeding;
+        EXPECT_TRUE(message.starts_with(isProgrammed() ? "BIOS settings updated" : "Failed to Update")) << succeeding;
+    }
+    EXPECT_GT(succeeding - first, 30);
+    EXPECT_TRUE(isProgrammed());
 }
 
 } // namespace

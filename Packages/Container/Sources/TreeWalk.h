@@ -33,8 +33,9 @@ public:
         m_index = std::numeric_limits<std::uint32_t>::max();
     }
 
-    /// Stores the element at `index` of the tree below `root`, whose missing children are `none`, into `data`. Returns
-    /// Success; NotFound for an index at or beyond the element count; Failed for a tree of more than kMaxTreeLevels.
+    /// Stores the element at `index` of the tree below `root` into `data`. Missing children are `none`: null, or a
+    /// sentinel whose own children are itself. Returns Success; NotFound for an index at or beyond the element count;
+    /// Failed for a tree of more than kMaxTreeLevels.
     Status Retrieve(Node *root, const Node *none, std::uint32_t index, void *&data)
     {
         if (index < m_index && !Start(root, none))
@@ -65,20 +66,24 @@ private:
     /// Stacks `node` and everything to its left.
     bool Descend(Node *node, const Node *none)
     {
-        for (; node != none; node = node->child[kLeft])
+        // Every other node has no right child, which is hard to predict; a sentinel makes do without that branch.
+        if (none)
         {
-            if (m_depth == kMaxTreeLevels)
-            {
-                Forget();
-                return false;
-            }
-            m_stack[m_depth++] = node;
+            m_stack[m_depth] = node;
+            m_depth += node != none ? 1 : 0;
+            node = node->child[kLeft];
         }
-        return true;
+        for (; node != none && m_depth < kMaxTreeLevels; node = node->child[kLeft])
+            m_stack[m_depth++] = node;
+        const bool fits = node == none && m_depth <= kMaxTreeLevels;
+        if (!fits)
+            Forget();
+        return fits;
     }
 
-    /// The node at m_index on top, below it those that come after it and whose left side it stands in.
-    Node *m_stack[kMaxTreeLevels];
+    /// The node at m_index on top, below it those that come after it and whose left side it stands in. With room for a
+    /// sentinel on top of all.
+    Node *m_stack[kMaxTreeLevels + 1];
     std::size_t m_depth = 0;
     std::uint32_t m_index = std::numeric_limits<std::uint32_t>::max();
 };
