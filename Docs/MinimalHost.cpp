@@ -15,7 +15,7 @@ template <typename Function>
 Function *FindExport(const char *file, const char *name)
 {
     const HMODULE library = LoadLibraryA(file);
-    return library ? reinterpret_cast<Function *>(GetProcAddress(library, name)) : nullptr;
+    return library ? reinterpret_cast<Function *>(reinterpret_cast<void *>(GetProcAddress(library, name))) : nullptr;
 }
 #else
 #include <dlfcn.h>

@@ -83,6 +83,10 @@ void StandardOutputAsBytes();
 /// not set or empty. Windows: GetEnvironmentVariableA. POSIX: getenv.
 bool ReadEnvironmentVariable(const std::string &name, std::string &value);
 
+/// Sets the environment variable `name` of this process and of the programs that it starts; an empty value removes the
+/// variable. Returns false when the system refuses. Windows: SetEnvironmentVariableA. POSIX: setenv, unsetenv.
+bool WriteEnvironmentVariable(const std::string &name, const std::string &value);
+
 // Directories and files
 
 enum class DirectoryOutcome
@@ -96,9 +100,6 @@ enum class DirectoryOutcome
 /// it does for CreateDirectoryA. Windows: CreateDirectoryA. POSIX: mkdir, for user, group and others as the umask
 /// lets.
 DirectoryOutcome MakeDirectory(const std::string &path);
-
-/// `path` as the system's own functions and other libraries expect it.
-std::string NativePath(const std::string &path);
 
 /// Gives the file at `from` the name `to` in one step, replacing a file of that name. Returns false, with both left
 /// as they were, when the system refuses. Windows: MoveFileExA. POSIX: rename.

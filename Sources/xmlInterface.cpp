@@ -109,13 +109,19 @@ bool Write(const std::string &fileName, xmlDocPtr document)
     return std::fclose(stream.release()) == 0;
 }
 
-/// A path that libxml2 opens as it stands.
-std::string PathForParser(const char *fileName)
+int ReadStream(void *stream, char *bytes, int size)
 {
-    std::string path;
-    for (const char character : Platform::NativePath(fileName))
-        character == '%' ? path.append("%25") : path.append(1, character);
-    return path;
+    auto *const file = static_cast<std::FILE *>(stream);
+    const std::size_t count = std::fread(bytes, 1, static_cast<std::size_t>(size), file);
+    return std::ferror(file) ? -1 : static_cast<int>(count);
+}
+
+/// What xmlReadFile does, through a stream of the platform: xmlReadFile also takes addresses of the network, "-" for
+/// standard input, "%41" for "A", and on Windows names that are not in the ANSI code page.
+xmlDocPtr ReadDocument(const char *fileName)
+{
+    const Platform::StreamOwner stream = Platform::OpenStream(fileName, "rb");
+    return stream ? xmlReadIO(ReadStream, nullptr, stream.get(), nullptr, nullptr, 0) : nullptr;
 }
 
 /// Writes beside the final place and renames. Writes directly only where the folder takes no new file or the system
@@ -170,7 +176,7 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName)
         {
             const QuietErrors quiet;
             if (fileName)
-                document = xmlReadFile(PathForParser(fileName).c_str(), nullptr, 0);
+                document = ReadDocument(fileName);
             return StatusCode::Success;
         });
     if (!document)

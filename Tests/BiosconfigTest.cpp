@@ -1,4 +1,5 @@
 #include "Platform.h"
+#include "RunProgram.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -12,33 +13,16 @@ namespace
 
 namespace fs = std::filesystem;
 using TestSupport::EnvironmentSetting;
+using TestSupport::Outcome;
 using TestSupport::ReadFile;
 using TestSupport::WriteFile;
 
 constexpr const char *kToolPlace =
     "Program Files/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary/";
 
-struct Outcome
-{
-    std::uint32_t exitCode = Platform::kUnknownExitCode;
-    std::string output;
-    std::string messages;
-};
-
-Outcome RunCaptured(const std::string &commandLine)
-{
-    Outcome outcome;
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    Platform::RunCommand(commandLine, outcome.exitCode);
-    outcome.output = testing::internal::GetCapturedStdout();
-    outcome.messages = testing::internal::GetCapturedStderr();
-    return outcome;
-}
-
 Outcome RunBiosconfig(const std::string &arguments)
 {
-    return RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
+    return TestSupport::RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
 }
 
 /// A report file's text as it was in the module's buffer.
@@ -71,7 +55,7 @@ protected:
     void TearDown() override { fs::current_path(fs::temp_directory_path()); }
 
     TestSupport::TemporaryDirectory m_directory;
-    TestSupport::EnvironmentSetting m_programFiles{"ProgramFiles", m_directory.Path("Program Files")};
+    TestSupport::EnvironmentSetting m_programFiles{"BIOSCONFIG_PROGRAM_FILES", m_directory.Path("Program Files")};
 };
 
 TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
@@ -80,7 +64,7 @@ TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
     EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
     EXPECT_TRUE(outcome.output.starts_with("<?xml version=\"1.0\"?>\n<TreeItem Name=\"BIOS Options\">"));
     EXPECT_EQ(outcome.output, BufferOf("tools/ModuleData/bios options_UI_XML"));
-    EXPECT_NE(outcome.messages.find("The BIOS interface is enabled"), std::string::npos) << outcome.messages;
+    EXPECT_NE(outcome.messages.find(TOOL_MESSAGE), std::string::npos) << outcome.messages;
 }
 
 TEST_F(BiosconfigTest, ReplacesTheOutputFileAndLeavesNothingBeside)
@@ -124,7 +108,7 @@ TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
 
 TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
 {
-    const Outcome outcome = RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
+    const Outcome outcome = TestSupport::RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
     EXPECT_EQ(outcome.exitCode, 0U);
     EXPECT_EQ(outcome.messages, "BIOS Options: bios options\n");
     EXPECT_TRUE(outcome.output.ends_with(BufferOf("tools/ModuleData/bios options_UI_XML")));
@@ -166,7 +150,7 @@ TEST_F(BiosconfigTest, EveryComponentTracesIntoItsFileAndAFaultyConfigurationIsT
     for (const char *const format : {"ui-xml", "log-xml", "log-html", "log-html-xml", "log-json", "ui-json"})
         RunBiosconfig(std::string("report --tool-dir tools --format ") + format);
     for (const std::string component : components)
-        EXPECT_TRUE(ReadFile(component + ".log").starts_with("\n -->  Fn:")) << component;
+        EXPECT_TRUE(BufferOf(component + ".log").starts_with("\n -->  Fn:")) << component;
     WriteFile("debug.conf", "Global:TraceType<En>\nGlobal:FileName<x.log\n");
     const std::string messages = RunBiosconfig("capabilities --tool-dir tools").messages;
     EXPECT_TRUE(messages.starts_with("biosconfig: debug.conf, line 2, is not of the form")) << messages;
@@ -188,7 +172,7 @@ constexpr BadCall kBadCalls[] = {
     {"update --tool-dir tools missing.txt", 2, "cannot read the template missing.txt"},
     {"update --tool-dir bare missing.txt", 4, "(BiosConfigModule - InitModule), "},
     {"update --tool-dir tools tools/CapsList.json", 1, "with txt or ini behind the first"},
-    {"report --tool-dir tools --module missing", 3, "missing: cannot open"},
+    {"report --tool-dir tools --module missing", 3, "cannot load the module: "},
     {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", 3, "lacks the module's exports"},
     {"report --tool-dir missing", 4, "no tool directory \"missing\""},
     {"report --tool-dir bare", 4, "Failed to read data from Capability List (BiosConfigModule - InitModule), "},

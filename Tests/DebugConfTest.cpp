@@ -27,8 +27,9 @@ std::string Describe(const DebugHandle_t &handle)
          {std::pair(handle.syncPackageFile, 'S'), std::pair(handle.locked, 'L'), std::pair(handle.threaded, 'T'),
           std::pair(handle.logToPackageFile, 'P'), std::pair(handle.syncGlobalFile, 'G'),
           std::pair(handle.packageFile != nullptr, 'p'), std::pair(handle.globalFile != nullptr, 'g'),
-          std::pair(handle.consolePrint != std::printf, 'o'), std::pair(handle.filePrint != std::fprintf, 'f'),
-          std::pair(handle.customPrint != nullptr, 'u'), std::pair(handle.callbackMask != TRACE_ALL, 'm')})
+          std::pair(handle.consolePrint != kStandardConsolePrint, 'o'),
+          std::pair(handle.filePrint != kStandardFilePrint, 'f'), std::pair(handle.customPrint != nullptr, 'u'),
+          std::pair(handle.callbackMask != TRACE_ALL, 'm')})
         settings += on ? std::string(1, letter) : "";
     return settings;
 }
@@ -43,7 +44,9 @@ Handle Open(const char *name)
 /// A log file with '#' for every line number, time stamp and address.
 std::string Masked(const std::string &path)
 {
-    return std::regex_replace(ReadFile(path), std::regex("(Ln:|TS:|0x0000)[0-9a-f]+"), "$1#");
+    std::string text;
+    EXPECT_TRUE(Platform::ReadTextFile(path, text)) << path;
+    return std::regex_replace(text, std::regex("(Ln:|TS:|0x0000)[0-9a-f]+"), "$1#");
 }
 
 /// Works in a directory of its own, where debug.conf is looked for.
@@ -154,11 +157,15 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
 
 std::vector<Status> SetEverything(Handle handle)
 {
-    return {SetTraceType(handle, TRACE_WARN | 64, true), SetOutputType(handle, OUTPUT_CONSOLE, false),
-            SetTraceFormat(handle, FORMAT_TIME, false),  SetPackageFile(handle, stdout),
-            SetTraceCallback(handle, nullptr),           SetTraceCallbackMask(handle, 0),
-            SetConsolePrint(handle, std::scanf),         SetFilePrint(handle, std::fscanf),
-            SetCustomPrint(handle, std::printf)};
+    return {SetTraceType(handle, TRACE_WARN | 64, true),
+            SetOutputType(handle, OUTPUT_CONSOLE, false),
+            SetTraceFormat(handle, FORMAT_TIME, false),
+            SetPackageFile(handle, stdout),
+            SetTraceCallback(handle, nullptr),
+            SetTraceCallbackMask(handle, 0),
+            SetConsolePrint(handle, std::scanf),
+            SetFilePrint(handle, std::fscanf),
+            SetCustomPrint(handle, kStandardConsolePrint)};
 }
 
 std::vector<Status> SetAll(std::uint32_t mask)

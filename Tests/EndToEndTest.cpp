@@ -43,11 +43,11 @@ protected:
     std::unique_ptr<BaseModule, decltype(&DestroyBiosConfigModule)> m_module{nullptr, nullptr};
 };
 
-/// The open files of this process, where the system tells.
+/// The open files of this process, where the system tells: on Linux.
 std::ptrdiff_t OpenFiles()
 {
     std::error_code error;
-    return std::distance(fs::directory_iterator("/proc/self/fd", error), {});
+    return std::distance(fs::directory_iterator(OPEN_FILES_DIRECTORY, error), {});
 }
 
 std::size_t Count(const std::string &text, const std::string &searched)

@@ -1,4 +1,5 @@
 #include "Platform.h"
+#include "RunProgram.h"
 #include "TestSupport.h"
 
 #include <filesystem>
@@ -10,13 +11,6 @@ using namespace TestSupport;
 
 namespace
 {
-
-struct Outcome
-{
-    std::uint32_t exitCode = Platform::kUnknownExitCode;
-    /// Standard output, then standard error.
-    std::string said;
-};
 
 /// What the XPath expression yields, as a text; a dump that is not well-formed fails the test.
 std::string Evaluate(const std::string &dump, const std::string &expression)
@@ -41,12 +35,7 @@ protected:
 
     Outcome Run(const std::string &arguments) const
     {
-        Outcome outcome;
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        EXPECT_TRUE(Platform::RunCommand("\"" + Path("FenrikCmd.exe") + "\" " + arguments, outcome.exitCode));
-        outcome.said = testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr();
-        return outcome;
+        return TestSupport::RunCaptured("\"" + Path("FenrikCmd.exe") + "\" " + arguments);
     }
 
     void RunWell(const std::string &arguments) const { EXPECT_EQ(Run(arguments).exitCode, 0U) << arguments; }
@@ -124,7 +113,7 @@ TEST_F(FenrikCmdTest, ProgrammedValuesTakeEffectWithTheRestart)
     EXPECT_EQ(Evaluate(after, "//knob[@name='BootFast']/@CurrentVal"), "0x1");
     EXPECT_EQ(Evaluate(after, "//knob[@name='AssetTag']/@CurrentVal"), "");
     EXPECT_EQ(Evaluate(after, "//knob[@name='SystemOwner']/@CurrentVal"), "é \"x\" <y> & z");
-    EXPECT_EQ(Run("pending").said, "0 options wait for the restart.\n");
+    EXPECT_EQ(Run("pending").output, "0 options wait for the restart.\n");
 }
 
 struct Judgement
@@ -166,7 +155,7 @@ TEST_F(FenrikCmdTest, KnobFileIsTakenWholeOrNotAtAll)
         const Outcome outcome = Program(judgement.knobFile);
         EXPECT_EQ(outcome.exitCode, judgement.exitCode);
         EXPECT_EQ(ReadFile(FirmwarePath()) == firmware, judgement.exitCode != 0);
-        const std::string said = judgement.exitCode == 0 ? Run("pending").said : outcome.said;
+        const std::string said = judgement.exitCode == 0 ? Run("pending").output : outcome.messages;
         EXPECT_PRED_FORMAT2(testing::IsSubstring, judgement.said, said);
     }
 }
@@ -215,7 +204,7 @@ TEST_F(FenrikCmdTest, DamagedFirmwareIsNamedAndKept)
         WriteFile(FirmwarePath(), damaged);
         const Outcome outcome = Run("enable");
         EXPECT_EQ(outcome.exitCode, 2U) << damaged;
-        EXPECT_PRED_FORMAT2(testing::IsSubstring, "FenrikFirmware.json", outcome.said);
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, "FenrikFirmware.json", outcome.messages);
         EXPECT_EQ(ReadFile(FirmwarePath()), damaged);
     }
     RunWell("reset");
@@ -241,7 +230,7 @@ constexpr FaultCase kFaults[] = {
     {"savexml=wrongroot", 0, 0, "FIRMWARE"},
     {"big", 0, 0, "big"},
     {"nonsense", 5, 5, "old"},
-    {"exit:256", 5, 5, "old"},
+    {"exit:4294967296", 5, 5, "old"},
     {"nonsense=exit:1", 5, 5, "old"},
     {"fenrikstatus=nodump", 5, 5, "old"},
 };

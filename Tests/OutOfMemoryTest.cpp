@@ -89,7 +89,7 @@ TEST(OutOfMemory, EndsAnUpdateWithAnOutcome)
         EXPECT_EQ(status == StatusCode::Success, isProgrammed()) << succeeding;
         EXPECT_TRUE(message.starts_with(isProgrammed() ? "BIOS settings updated" : "Failed to Update")) << succeeding;
     }
-    EXPECT_GT(succeeding - first, 30);
+    EXPECT_GT(succeeding - first, 20);
     EXPECT_TRUE(isProgrammed());
 }
 

@@ -2,8 +2,6 @@
 
 #include "Platform.h"
 
-#include <cstdlib>
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -65,22 +63,15 @@ public:
     EnvironmentSetting(const std::string &name, const std::string &value) : m_name(name)
     {
         Platform::ReadEnvironmentVariable(name, m_before);
-        Set(value);
+        Platform::WriteEnvironmentVariable(name, value);
     }
 
-    ~EnvironmentSetting() { Set(m_before); }
+    ~EnvironmentSetting() { Platform::WriteEnvironmentVariable(m_name, m_before); }
 
     EnvironmentSetting(const EnvironmentSetting &) = delete;
     EnvironmentSetting &operator=(const EnvironmentSetting &) = delete;
 
 private:
-    void Set(const std::string &value) const
-    {
-        // The environment may keep pointing into the text.
-        static std::deque<std::string> texts;
-        putenv(texts.emplace_back(m_name + "=" + value).data());
-    }
-
     std::string m_name;
     std::string m_before;
 };

@@ -67,11 +67,13 @@ TEST(XmlInterface, RefusesNullArgumentsWithTheirLines)
     CCXmlSetAttributeValue(root, "Name", nullptr);
     EXPECT_EQ(CCXmlGetAttributeValue(root, "Name"), nullptr);
 
+    char address[32];
+    std::snprintf(address, sizeof address, "%p", nullptr);
     const std::vector<std::string> expected = {
-        " **ERROR**  Fn:CCXmlParseXMLfile Failed to read the XML file (nil)",
+        " **ERROR**  Fn:CCXmlParseXMLfile Failed to read the XML file " + std::string(address),
         " <--  Fn:CCXmlParseXMLfile return NULL",
-        " **ERROR**  Fn:CCXmlParseXMLBuffer Failed to read the XML file (nil)",
-        " <--  Fn:CCXmlParseXMLBuffer return status (nil)",
+        " **ERROR**  Fn:CCXmlParseXMLBuffer Failed to read the XML file " + std::string(address),
+        " <--  Fn:CCXmlParseXMLBuffer return status " + std::string(address),
         " <--  Fn:CCXmlGetRootElement Return NULL",
         " <--  Fn:CCXmlSetRootElement Return NULL",
         " <--  Fn:CCXmlGetNodeElementName Return NULL",

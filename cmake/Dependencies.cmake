@@ -1,5 +1,8 @@
 # The libraries the project builds on.
 find_package(LibXml2 REQUIRED)
+if(WIN32 AND LIBXML2_LIBRARY MATCHES "libxml2\\.a$")
+  target_compile_definitions(LibXml2::LibXml2 INTERFACE LIBXML_STATIC)
+endif()
 find_package(nlohmann_json 3.7.0 REQUIRED)
 find_package(CLI11 REQUIRED)
 if(BIOSCONFIG_BUILD_TESTS)

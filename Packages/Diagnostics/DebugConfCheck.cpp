@@ -1,9 +1,8 @@
 #include "DebugConfCheck.h"
 
 #include "DebugConf.h"
+#include "FilesystemPath.h"
 #include "Platform.h"
-
-#include <filesystem>
 
 namespace
 {
@@ -12,7 +11,7 @@ namespace
 bool Exists(const std::string &path)
 {
     std::error_code error;
-    return std::filesystem::exists(std::filesystem::symlink_status(Platform::NativePath(path), error));
+    return std::filesystem::exists(std::filesystem::symlink_status(Platform::ToFilesystemPath(path), error));
 }
 
 bool IsWritable(const std::string &path)

@@ -51,6 +51,11 @@ enum DebugFlag : std::uint32_t
 
 using ConsolePrint_t = int (*)(const char *format, ...);
 using FilePrint_t = int (*)(std::FILE *stream, const char *format, ...);
+/// The C library's printf and fprintf, as every handle has them at first. Their addresses are asked for here alone: a C
+/// library may have one of its own in every source file.
+extern const ConsolePrint_t kStandardConsolePrint;
+extern const FilePrint_t kStandardFilePrint;
+
 /// Gets a line's levels (those in the mask), its message without the fields in front, and the size of the message
 /// buffer.
 using TraceCallback_t = Status (*)(std::uint32_t level, const char *message, std::uint32_t bufferSize);
@@ -61,9 +66,9 @@ struct DebugHandle_t
 {
     /// 1 once the record is initialised.
     std::uint32_t state = 0;
-    ConsolePrint_t consolePrint = std::printf;
+    ConsolePrint_t consolePrint = kStandardConsolePrint;
     ConsolePrint_t customPrint = nullptr;
-    FilePrint_t filePrint = std::fprintf;
+    FilePrint_t filePrint = kStandardFilePrint;
     TraceCallback_t callback = nullptr;
     /// Levels passed to the callback.
     std::uint64_t callbackMask = TRACE_ALL;

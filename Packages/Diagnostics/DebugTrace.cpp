@@ -70,7 +70,7 @@ public:
     /// streams as it is; a print function of somebody else's gets the format and the two texts.
     void Print(ConsolePrint_t print)
     {
-        if (print == static_cast<ConsolePrint_t>(std::printf))
+        if (print == kStandardConsolePrint)
             Write(stdout);
         else if (print)
             WithHeaderEnded([&] { print("%s %s", m_text, Message()); });
@@ -80,7 +80,7 @@ public:
     {
         if (!print || !stream)
             return;
-        if (print != static_cast<FilePrint_t>(std::fprintf))
+        if (print != kStandardFilePrint)
         {
             WithHeaderEnded([&] { print(stream, "%s %s", m_text, Message()); });
             return;
@@ -180,6 +180,9 @@ void Trace(const DebugHandle_t &handle, const char * /*sourceFile*/, const char 
 }
 
 } // namespace
+
+const ConsolePrint_t kStandardConsolePrint = std::printf;
+const FilePrint_t kStandardFilePrint = std::fprintf;
 
 Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName, std::uint32_t line,
                   std::uint32_t level, const char *format, ...)

@@ -1,6 +1,7 @@
 #include "Platform.h"
 
 #include "CommandLine.h"
+#include "FilesystemPath.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -25,6 +26,14 @@ namespace
 
 constexpr std::uint32_t kMillisecondsPerSecond = 1000;
 constexpr std::uint32_t kNanosecondsPerMillisecond = 1000000;
+
+/// `path` as the system's own functions take it.
+std::string NativePath(const std::string &path)
+{
+    std::string native = path;
+    std::replace(native.begin(), native.end(), '\\', '/');
+    return native;
+}
 
 /// Waits for `child` and gives its exit code, also when the wait is interrupted.
 std::uint32_t WaitForExitCode(pid_t child)
@@ -142,6 +151,11 @@ bool ReadEnvironmentVariable(const std::string &name, std::string &value)
     return true;
 }
 
+bool WriteEnvironmentVariable(const std::string &name, const std::string &value)
+{
+    return (value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1)) == 0;
+}
+
 DirectoryOutcome MakeDirectory(const std::string &path)
 {
     if (mkdir(NativePath(path).c_str(), S_IRWXU | S_IRWXG | S_IRWXO) == 0)
@@ -149,11 +163,14 @@ DirectoryOutcome MakeDirectory(const std::string &path)
     return errno == EEXIST ? DirectoryOutcome::Existed : DirectoryOutcome::Failed;
 }
 
-std::string NativePath(const std::string &path)
+std::filesystem::path ToFilesystemPath(const std::string &path)
 {
-    std::string native = path;
-    std::replace(native.begin(), native.end(), '\\', '/');
-    return native;
+    return NativePath(path);
+}
+
+std::string FromFilesystemPath(const std::filesystem::path &path)
+{
+    return path.string();
 }
 
 bool RenameOver(const std::string &from, const std::string &to)

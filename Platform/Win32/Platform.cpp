@@ -1,7 +1,12 @@
 #include "Platform.h"
 
+#include "FilesystemPath.h"
+
+#define WIN32_LEAN_AND_MEAN
+
 #include <fcntl.h>
 #include <io.h>
+#include <system_error>
 #include <utility>
 #include <windows.h>
 
@@ -20,9 +25,13 @@ struct CloseSystemHandle
 };
 using HandleOwner = std::unique_ptr<void, CloseSystemHandle>;
 
-int Length(std::string_view text)
+std::wstring ToWide(UINT codePage, std::string_view text)
 {
-    return static_cast<int>(text.size());
+    const int length = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), size);
+    return wide;
 }
 
 } // namespace
@@ -61,7 +70,7 @@ std::string SharedLibraryFileName(const std::string &stem)
 SharedLibrary::SharedLibrary(const std::string &path, std::string &error) : m_library(LoadLibraryA(path.c_str()))
 {
     if (!m_library)
-        error = path + ": system error " + std::to_string(GetLastError());
+        error = path + ": " + std::system_category().message(static_cast<int>(GetLastError()));
 }
 
 SharedLibrary::~SharedLibrary()
@@ -112,6 +121,11 @@ bool ReadEnvironmentVariable(const std::string &name, std::string &value)
     return true;
 }
 
+bool WriteEnvironmentVariable(const std::string &name, const std::string &value)
+{
+    return SetEnvironmentVariableA(name.c_str(), value.empty() ? nullptr : value.c_str()) != 0;
+}
+
 DirectoryOutcome MakeDirectory(const std::string &path)
 {
     if (CreateDirectoryA(path.c_str(), nullptr))
@@ -119,9 +133,20 @@ DirectoryOutcome MakeDirectory(const std::string &path)
     return GetLastError() == ERROR_ALREADY_EXISTS ? DirectoryOutcome::Existed : DirectoryOutcome::Failed;
 }
 
-std::string NativePath(const std::string &path)
+std::filesystem::path ToFilesystemPath(const std::string &path)
 {
-    return path;
+    return ToWide(CP_ACP, path);
+}
+
+std::string FromFilesystemPath(const std::filesystem::path &path)
+{
+    const std::wstring &wide = path.native();
+    const int length = static_cast<int>(wide.size());
+    std::string text(
+        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), length, nullptr, 0, nullptr, nullptr)),
+        '\0');
+    WideCharToMultiByte(CP_ACP, 0, wide.data(), length, text.data(), static_cast<int>(text.size()), nullptr, nullptr);
+    return text;
 }
 
 bool RenameOver(const std::string &from, const std::string &to)
@@ -182,12 +207,8 @@ bool LocalTime(std::time_t time, std::tm &local)
 
 std::u16string Utf8ToUtf16(std::string_view text)
 {
-    if (text.empty())
-        return {};
-    const int size = MultiByteToWideChar(CP_UTF8, 0, text.data(), Length(text), nullptr, 0);
-    std::u16string units(static_cast<std::size_t>(size), u'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), Length(text), reinterpret_cast<wchar_t *>(units.data()), size);
-    return units;
+    const std::wstring units = ToWide(CP_UTF8, text);
+    return {units.begin(), units.end()};
 }
 
 } // namespace Platform

@@ -12,8 +12,8 @@ namespace
 {
 
 constexpr std::string_view kExitPrefix = "exit:";
-/// What every system can hand on.
-constexpr std::uint64_t kLargestExitCode = 255;
+/// Windows hands on all of it, other systems the lowest eight bits.
+constexpr std::uint64_t kLargestExitCode = 0xFFFFFFFF;
 
 struct FaultName
 {
@@ -27,10 +27,11 @@ constexpr FaultName kFaultNames[] = {{"crash", FaultKind::Crash},         {"nodu
 
 ToolError Unknown(const std::string &setting)
 {
-    return {ExitCode::UnknownFault, std::string(kFaultVariable) + "=\"" + setting +
-                                        "\" is no fault; there are exit:N (N from 0 to 255) and crash, with COMMAND= "
-                                        "in front where they are for one "
-                                        "command only, and for savexml nodump, emptydump, halfdump, wrongroot and big"};
+    return {ExitCode::UnknownFault,
+            std::string(kFaultVariable) + "=\"" + setting +
+                "\" is no fault; there are exit:N (N from 0 to 4294967295) and crash, with COMMAND= "
+                "in front where they are for one "
+                "command only, and for savexml nodump, emptydump, halfdump, wrongroot and big"};
 }
 
 bool IsCommand(std::string_view name)

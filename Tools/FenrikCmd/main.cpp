@@ -21,7 +21,7 @@ Exit codes:
   6  anything else, such as want of memory
 
 For tests, FENRIKCMD_FAULT makes the program misbehave in one way:
-  exit:N     end with exit code N (0 to 255) and do nothing
+  exit:N     end with exit code N (0 to 4294967295) and do nothing
   crash      end abnormally
   nodump     savexml removes the dump and ends well
   emptydump  savexml writes an empty file

@@ -8,6 +8,11 @@ struct SingletonInstance
     void *errorFileMutex;
 };
 
+/// The library's own build says here how an export is marked.
+#ifndef SINGLETON_MANAGER_EXPORT
+#define SINGLETON_MANAGER_EXPORT
+#endif
+
 /// The process-wide object, owned by the library; null when it could not be made. The host and all modules link to the
 /// one library.
-extern "C" SingletonInstance *getSingletonInstance();
+extern "C" SINGLETON_MANAGER_EXPORT SingletonInstance *getSingletonInstance();

@@ -22,7 +22,8 @@ constexpr Format kFormats[] = {{"ui-xml", OutputKind::UiXml},     {"log-xml", Ou
                                {"log-json", OutputKind::LogJson}, {"ui-json", OutputKind::UiJson}};
 
 constexpr const char *kEnvironmentHelp = R"(
-The module runs an external tool that it finds through the environment variable ProgramFiles:
+The module runs an external tool that it finds through the environment variable ProgramFiles, or through
+--program-files:
   <ProgramFiles>/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary/FenrikCmd.exe
 In the tool directory it reads CapsList.json and records errors in Error.xml; a copy of each report goes into
 the folder ModuleData there, if that folder exists.
@@ -30,14 +31,14 @@ the folder ModuleData there, if that folder exists.
 Traces are switched on by a file debug.conf in the working directory. What an update has programmed takes
 effect when the machine is restarted.
 
-Data and the outcome of an update go to standard output; messages, traces and what the external
-tool prints go to standard error.
+Data and the outcome of an update go to standard output; messages, traces and, but on Windows, what the
+external tool prints go to standard error.
 )";
 
 constexpr const char *kExampleHelp = R"(
 Examples:
-  ProgramFiles=/opt/programs biosconfig report --tool-dir /opt/tarnwell --format ui-xml -o bios.xml
-  ProgramFiles=/opt/programs biosconfig update --tool-dir /opt/tarnwell lab/bench.txt)";
+  biosconfig report --program-files /opt/programs --tool-dir /opt/tarnwell --format ui-xml -o bios.xml
+  biosconfig update --program-files /opt/programs --tool-dir /opt/tarnwell lab/bench.txt)";
 
 std::vector<std::string> FormatNames()
 {
@@ -77,6 +78,11 @@ void AddCommonOptions(CLI::App &command, Arguments &parsed)
     command.add_option("--module", parsed.modulePath, "The module's file; without it the one beside this program")
         ->envname("BIOSCONFIG_MODULE")
         ->type_name("FILE");
+    command
+        .add_option("--program-files", parsed.programFiles,
+                    "Where the external tool is installed, in the place of the environment variable ProgramFiles")
+        ->envname("BIOSCONFIG_PROGRAM_FILES")
+        ->type_name("DIR");
 }
 
 void AddReportOptions(CLI::App &report, Arguments &parsed)

@@ -21,6 +21,8 @@ struct Arguments
     std::string modulePath;
     /// The tool directory as the user gave it.
     std::string toolDirectory = ".";
+    /// The directory in the place of the environment variable ProgramFiles; empty: as that says.
+    std::string programFiles;
     std::string formatName = "ui-xml";
     OutputKind format = OutputKind::UiXml;
     std::string option = "all";

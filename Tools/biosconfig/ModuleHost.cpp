@@ -1,9 +1,9 @@
 #include "ModuleHost.h"
 
 #include "ExitCode.h"
+#include "FilesystemPath.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 
 namespace
@@ -29,7 +29,7 @@ std::string Describe(Status status)
 /// A bare file name would be looked for in the system's library directories.
 std::string FullPath(const std::string &path)
 {
-    return std::filesystem::absolute(Platform::NativePath(path)).string();
+    return Platform::FromFilesystemPath(std::filesystem::absolute(Platform::ToFilesystemPath(path)));
 }
 
 ParameterMap Parameters(const std::string &toolDirectory)

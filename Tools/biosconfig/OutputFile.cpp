@@ -1,6 +1,7 @@
 #include "OutputFile.h"
 
 #include "ExitCode.h"
+#include "FilesystemPath.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -14,14 +15,14 @@ namespace fs = std::filesystem;
 std::string LinkTarget(const std::string &path)
 {
     std::error_code error;
-    const fs::path target = fs::canonical(path, error);
-    return error ? path : target.string();
+    const fs::path target = fs::canonical(Platform::ToFilesystemPath(path), error);
+    return error ? path : Platform::FromFilesystemPath(target);
 }
 
 bool IsReplaceable(const std::string &path)
 {
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(Platform::ToFilesystemPath(path), error);
     return fs::is_regular_file(status) || !fs::exists(status);
 }
 
@@ -45,7 +46,7 @@ OutputFile::OutputFile(const std::string &path)
 {
     if (path == "-")
         return;
-    m_path = LinkTarget(Platform::NativePath(path));
+    m_path = LinkTarget(path);
     if (IsReplaceable(m_path))
         m_temporaryPath = TemporaryPath(m_path);
     m_stream = Platform::OpenStream(m_temporaryPath.empty() ? m_path : m_temporaryPath, "wb");

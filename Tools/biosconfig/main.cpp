@@ -2,6 +2,7 @@
 #include "DebugConfCheck.h"
 #include "ErrorFileWatch.h"
 #include "ExitCode.h"
+#include "FilesystemPath.h"
 #include "ModuleHost.h"
 #include "OutputFile.h"
 #include "Platform.h"
@@ -39,7 +40,7 @@ std::string WithFinalSeparator(const std::string &directory)
 std::string ToolDirectory(const Arguments &arguments)
 {
     std::error_code error;
-    if (!std::filesystem::is_directory(Platform::NativePath(arguments.toolDirectory), error))
+    if (!std::filesystem::is_directory(Platform::ToFilesystemPath(arguments.toolDirectory), error))
         throw Failure(ExitCode::NotReady, "there is no tool directory \"" + arguments.toolDirectory + "\"");
     return WithFinalSeparator(arguments.toolDirectory);
 }
@@ -49,7 +50,7 @@ std::string ToolDirectory(const Arguments &arguments)
 void RequireWritable(const std::string &errorFile)
 {
     std::error_code error;
-    const bool existed = std::filesystem::exists(Platform::NativePath(errorFile), error);
+    const bool existed = std::filesystem::exists(Platform::ToFilesystemPath(errorFile), error);
     if (!Platform::OpenStream(errorFile, "ab"))
         throw Failure(ExitCode::NotReady, "the module could not record errors: cannot write " + errorFile);
     if (!existed)
@@ -86,6 +87,8 @@ void RequireReadable(const std::string &templatePath)
 void AskModule(const Arguments &arguments, const std::string &toolDirectory, std::string &data)
 {
     const Platform::StandardOutputToError keepOutputForData;
+    if (!arguments.programFiles.empty())
+        Platform::WriteEnvironmentVariable("ProgramFiles", arguments.programFiles);
     ModuleHost module(arguments.modulePath);
     module.Initialise(toolDirectory);
     switch (arguments.command)
