@@ -5,12 +5,16 @@ set -euo pipefail
 
 project=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$project/build/wine-prefix}
-export WINEDEBUG=${WINEDEBUG:--all} LC_ALL=${WINE_LOCALE:-C.UTF-8}
+export WINEDEBUG=${WINEDEBUG:--all} LC_ALL=C.UTF-8 WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 wine=/usr/lib/wine/wine64
+server=/usr/lib/wine/wineserver64
+seconds_to_stay=60
 
+# Wine's services live on behind the program that started them, with its output open, and whoever reads that output
+# would wait for them. They are therefore started here, without it, and stay for the programs that follow.
 mkdir -p "$WINEPREFIX"
 (
     flock 9
-    [[ -f $WINEPREFIX/system.reg ]] || WINEDLLOVERRIDES='mscoree,mshtml=' "$wine" wineboot -i
-) 9>"$WINEPREFIX/.made.lock" >/dev/null 2>&1
+    "$server" -k0 || { "$server" "-p$seconds_to_stay" && timeout 120 "$wine" wineboot -i; } 9>&-
+) 9>"$WINEPREFIX/.lock" </dev/null >/dev/null 2>&1
 exec "$wine" "$@"

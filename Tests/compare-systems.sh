@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# compare-systems.sh LINUX-BIN WINDOWS-BIN: has the programs of both builds make all their files from the same dumps and
+# fails unless they are the same, byte for byte. Hidden are the time stamps and, in the trace logs, addresses and the
+# line ends: a log is a text file of its system.
+set -euo pipefail
+
+root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+linux_bin=$(realpath "$1")
+windows_bin=$(realpath "$2")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+tool_place="Program Files/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK"
+formats=(ui-xml log-xml log-html log-html-xml log-json ui-json)
+
+# Three dumps: what the stand-in makes itself, a small one, and one with bytes that are not UTF-8.
+dumps=("" "$root/Tests/Data/SmallFirmware.xml" "$work/odd.xml")
+printf '%s\r\n' '<?xml version="1.0"?>' '<SYSTEM><biosknobs>' \
+    $'<knob name="caf\xE9 corner" CurrentVal="0x1" prompt="\tone&#10;two" SetupPgPtr="A&amp;B/x"/>' \
+    $'<knob name="\xC0\xAF \xFF" CurrentVal="" prompt="&#x1F600;&#7;" SetupPgPtr="Pr\xC3\xBCfstand"/>' \
+    '<knob name="last"/></biosknobs></SYSTEM>' >"$work/odd.xml"
+
+# make_files BIN LAUNCHER...: fills the current directory.
+make_files() {
+    local bin=$1 launcher=("${@:2}") format number
+    mkdir -p tool/ModuleData "$tool_place/FenrikBinary"
+    cp "$root/Docs/Example/CapsList.json" tool/
+    cp "$bin/FenrikCmd.exe" "$tool_place/FenrikBinary/"
+    printf 'Global:%s\n' 'TraceType<Al>' 'OutputType<Fi>' 'FileName<all.log>' >debug.conf
+    for number in "${!dumps[@]}"; do
+        mkdir "$number"
+        for format in "${formats[@]}"; do
+            if [[ ${dumps[number]} ]]; then
+                cp "${dumps[number]}" "$tool_place/FenrikOutput.xml"
+                export FENRIKCMD_FAULT=exit:0
+            fi
+            "${launcher[@]}" "$bin/biosconfig$suffix" report --program-files "Program Files" --tool-dir tool \
+                --format "$format" -o "$number/report.$format" 2>/dev/null
+            mv all.log "$number/$format.log"
+        done
+        mv tool/ModuleData "$number/" && mkdir tool/ModuleData
+        mv "$tool_place/FenrikOutput.xml" "$number/"
+        unset FENRIKCMD_FAULT
+    done
+    printf 'BootFast=Enabled;\r\nBootMode=Legacy;\r\nCaf\xC3\xA9\xE9=x=y' >bench.txt
+    "${launcher[@]}" "$bin/biosconfig$suffix" update --program-files "Program Files" --tool-dir tool bench.txt \
+        >update.out 2>/dev/null || echo "exit code $?" >>update.out
+}
+
+# hide: takes what may differ out of the files of the current directory. Where an address stands in a trace line, its
+# width says where the message is cut.
+hide() {
+    local date='(Mon|Tue|Wed|Thu|Fri|Sat|Sun) [A-Z][a-z]{2} [ 0-9]{2} [0-9:]{8} [0-9]{4}'
+    rm "$tool_place/FenrikBinary/FenrikCmd.exe"
+    find . -name '*.log' -exec sed -i -E "s/\r$//; s/TS:[0-9]+/TS:#/; s/$date/DATE/
+        s/\(nil\)|\b(0x)*[0-9a-fA-F]{9,16}\b/ADDRESS/g; /ADDRESS/s/^(.{200}).*/\1/" {} +
+    sed -i -E "s/$date/DATE/; s/&quot;[A-Z][a-z]{2} [ 0-9]{2} [0-9]{4}&quot;/DATE/" tool/Error.xml
+    sed -i 's/\r$//' update.out
+}
+
+mkdir "$work/linux" "$work/windows"
+(cd "$work/linux" && suffix="" make_files "$linux_bin" && hide)
+(cd "$work/windows" && suffix=.exe make_files "$windows_bin" "$root/cmake/run-with-wine.sh" && hide)
+diff -r "$work/linux" "$work/windows"
+echo "Linux and Windows make the same $(find "$work/linux" -type f | wc -l) files."
