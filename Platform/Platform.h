@@ -34,7 +34,8 @@ std::string ExecutableDirectory();
 std::string SharedLibraryFileName(const std::string &stem);
 
 /// A shared library loaded at run time; unloaded by the destructor.
-/// Windows: LoadLibraryA, GetProcAddress. POSIX: dlopen (all symbols resolved at once), dlsym.
+/// Windows: LoadLibraryExA, GetProcAddress; a library at a full path finds those that it needs in its own folder.
+/// POSIX: dlopen (all symbols resolved at once), dlsym.
 class SharedLibrary
 {
 public:

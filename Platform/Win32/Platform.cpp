@@ -67,7 +67,8 @@ std::string SharedLibraryFileName(const std::string &stem)
     return stem + ".dll";
 }
 
-SharedLibrary::SharedLibrary(const std::string &path, std::string &error) : m_library(LoadLibraryA(path.c_str()))
+SharedLibrary::SharedLibrary(const std::string &path, std::string &error)
+    : m_library(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
 {
     if (!m_library)
         error = path + ": " + std::system_category().message(static_cast<int>(GetLastError()));

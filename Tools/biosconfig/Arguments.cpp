@@ -75,7 +75,9 @@ void AddCommonOptions(CLI::App &command, Arguments &parsed)
         ->envname("BIOSCONFIG_TOOL_DIR")
         ->type_name("DIR")
         ->capture_default_str();
-    command.add_option("--module", parsed.modulePath, "The module's file; without it the one beside this program")
+    command
+        .add_option("--module", parsed.modulePath,
+                    "The module's file; without it the one beside this program or in ../lib")
         ->envname("BIOSCONFIG_MODULE")
         ->type_name("FILE");
     command
@@ -115,7 +117,11 @@ void AddUpdateArgument(CLI::App &update, Arguments &parsed)
 
 std::string DefaultModulePath()
 {
-    return Platform::ExecutableDirectory() + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
+    const std::string beside =
+        Platform::ExecutableDirectory() + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
+    if (Platform::OpenStream(beside, "rb"))
+        return beside;
+    return Platform::ExecutableDirectory() + "../lib/" + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
 }
 
 } // namespace

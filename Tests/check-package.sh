@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# check-package.sh BUILD-DIRECTORY [TOOLCHAIN-FILE LAUNCHER]: makes the package of a build, unpacks it in an empty place,
+# makes a report with what is in it, and builds and runs a host against it.
+set -euo pipefail
+
+source_directory=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+build=$(realpath "$1")
+toolchain=(${2:+"-DCMAKE_TOOLCHAIN_FILE=$2"})
+launcher=("${@:3}")
+work=$(mktemp -d)
+export WINEPREFIX=$work/wine
+trap '[[ ! -d $WINEPREFIX ]] || /usr/lib/wine/wineserver64 -k || true; rm -rf "$work"' EXIT
+cd "$work"
+
+cpack --config "$build/CPackConfig.cmake" -B "$work/package" >/dev/null
+archive=$(echo package/BiosConfigModule-*-*.*)
+echo "${archive##*/}"
+cmake -E tar xf "$archive"
+top=$(echo "$work"/BiosConfigModule-*)
+
+# A report, with the stand-in where the external tool is installed.
+mkdir -p tool/ModuleData "Programs/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary"
+find "$top" -name CapsList.json -exec cp {} tool/ \;
+find "$top" -name FenrikCmd.exe -exec cp {} Programs/*/*/SupportedBinaries/FENRIK/FenrikBinary/ \;
+program=$(echo "$top"/bin/biosconfig*)
+"${launcher[@]}" "$program" report --program-files Programs --tool-dir tool -o report.xml
+rows=$(grep -o '<Row>' report.xml | wc -l)
+echo "report.xml has $rows rows"
+((rows > 250))
+
+cmake -S "$source_directory/Tests/Consumer" -B consumer -DHOST_SOURCE="$source_directory/Docs/MinimalHost.cpp" \
+    -DBiosConfigModule_DIR="$(dirname "$(find "$top" -name BiosConfigModuleConfig.cmake)")" "${toolchain[@]}" >/dev/null
+cmake --build consumer >/dev/null
+cp consumer/Consumer* "$top/bin/"
+"${launcher[@]}" "$(echo "$top"/bin/Consumer*)" "$(<consumer/module-path)" tool/ >host.out 2>host.messages
+grep 'BIOS Options: bios options' host.messages
+grep -q '<Header>Name,Value,Prompt,Description</Header>' host.out
