@@ -30,7 +30,8 @@ std::string Describe(const DebugHandle_t &handle)
           std::pair(handle.logToPackageFile, 'P'), std::pair(handle.syncGlobalFile, 'G'),
           std::pair(handle.packageFile != nullptr, 'p'), std::pair(handle.globalFile != nullptr, 'g'),
           std::pair(handle.consolePrint != std::printf, 'o'), std::pair(handle.filePrint != std::fprintf, 'f'),
-          std::pair(handle.customPrint != nullptr, 'u'), std::pair(handle.callbackMask != TRACE_ALL, 'm')})
+          std::pair(handle.customPrint != nullptr, 'u'), std::pair(handle.callbackMask != TRACE_ALL, 'm'),
+          std::pair(handle.callback != nullptr, 'c')})
         settings += on ? std::string(1, letter) : "";
     return settings;
 }
@@ -200,11 +201,16 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
     EXPECT_EQ(std::string(version) + (version + 3) + (version + 6) + (version + 11), "020001001");
 }
 
+Status CallBack(std::uint32_t, const char *, std::uint32_t)
+{
+    return Success;
+}
+
 std::vector<Status> SetEverything(Handle handle)
 {
     return {SetTraceType(handle, TRACE_WARN | 64, true), SetOutputType(handle, OUTPUT_CONSOLE, false),
             SetTraceFormat(handle, FORMAT_TIME, false),  SetPackageFile(handle, stdout),
-            SetTraceCallback(handle, nullptr),           SetTraceCallbackMask(handle, 0),
+            SetTraceCallback(handle, CallBack),          SetTraceCallbackMask(handle, 0),
             SetConsolePrint(handle, std::scanf),         SetFilePrint(handle, std::fscanf),
             SetCustomPrint(handle, std::printf)};
 }
@@ -233,13 +239,13 @@ TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
     EXPECT_EQ(SetTraceType(handle, 64, true) + SetDebugFlag(handle, 64, true) + SetDebugFlagAll(16, true),
               3 * NotFound);
     EXPECT_EQ(SetDebugFlag(handle, 48, true), Success);
-    EXPECT_EQ(Describe(*handle), "74 2 9 Ppgofum");
+    EXPECT_EQ(Describe(*handle), "74 2 9 Ppgofumc");
     // The first of several flags is set, in one order for one handle and in another for all.
     EXPECT_EQ(SetDebugFlag(handle, 9, true) + SetDebugFlag(handle, 14, false) + SetDebugFlag(handle, 38, true),
               3 * Success);
     EXPECT_EQ(SetGlobalFileSyncAll(true), Success);
-    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 STGpgofum/0 1 15 LPG");
-    EXPECT_EQ(SetDebugFlagAll(9, false) + SetDebugFlagAll(10, false), 2 * Success);
+    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 STGpgofumc/0 1 15 LPG");
+    EXPECT_EQ(SetDebugFlagAll(9, false) + SetDebugFlagAll(10, false) + SetTraceCallback(handle, nullptr), 3 * Success);
     EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 TGpgofum/0 1 15 PG");
     UnInitDebugHandle(handle);
     UnInitDebugHandle(locked);

@@ -96,7 +96,7 @@ TEST(DebugTrace, NeedsAHandleButNoMessageThatCanBeMade)
 {
     EXPECT_EQ(DebugTrace(nullptr, "file", "function", 1, TRACE_ERROR, "text"), StatusCode::Missing);
     const DebugHandle_t handle = MakeHandle(63, 1, FORMAT_FUNCTION | FORMAT_TIME);
-    DebugTrace(&handle, "file", nullptr, 1, TRACE_ERROR, "%lc", std::wint_t{0x7FFFFFFF});
+    DebugTrace(&handle, "file", nullptr, 1, TRACE_ERROR, "y%lc", std::wint_t{0x7FFFFFFF});
     EXPECT_TRUE(written.starts_with("console:\n Fn:(null) TS:")) << written;
     EXPECT_EQ(written.find_first_not_of("0123456789", 23), written.size() - 1) << written;
 }
