@@ -201,16 +201,13 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
     EXPECT_EQ(std::string(version) + (version + 3) + (version + 6) + (version + 11), "020001001");
 }
 
-Status CallBack(std::uint32_t, const char *, std::uint32_t)
-{
-    return Success;
-}
+constexpr TraceCallback_t kCallBack = [](std::uint32_t, const char *, std::uint32_t) { return Success; };
 
 std::vector<Status> SetEverything(Handle handle)
 {
     return {SetTraceType(handle, TRACE_WARN | 64, true), SetOutputType(handle, OUTPUT_CONSOLE, false),
             SetTraceFormat(handle, FORMAT_TIME, false),  SetPackageFile(handle, stdout),
-            SetTraceCallback(handle, CallBack),          SetTraceCallbackMask(handle, 0),
+            SetTraceCallback(handle, kCallBack),         SetTraceCallbackMask(handle, 0),
             SetConsolePrint(handle, std::scanf),         SetFilePrint(handle, std::fscanf),
             SetCustomPrint(handle, std::printf)};
 }

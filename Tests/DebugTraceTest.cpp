@@ -119,15 +119,15 @@ TEST(FunctionTrace, WritesTheWayOutOnceAndEvaluatesNothingWhenDisabled)
         FunctionTrace trace(&handle, "file", "F", "1");
         EXPECT_EQ(trace.Fail(StatusCode::Missing, "bad"), StatusCode::Missing);
         EXPECT_EQ(trace.Done(StatusCode::Failed), StatusCode::Failed);
+        const FunctionTrace forgotten(&handle, "file", "F", "2");
     }
-    FunctionTrace(&handle, "file", "F", "2").LeaveUntraced(StatusCode::Success);
-    FunctionTrace(&handle, "file", "F", "3");
+    FunctionTrace(&handle, "file", "F", "3").LeaveUntraced(StatusCode::Success);
     handle.traceFormat = FORMAT_LINE;
     const std::string line = std::to_string(__LINE__ + 1);
     FunctionTrace done(&handle, "file", "F", "4");
     done.Done(StatusCode::Success, std::source_location());
-    EXPECT_EQ(written, "console:\n -->  1console:\n **ERROR**  <--  badconsole:\n -->  2console:\n -->  3"
-                       "console:\n <--  3console:\n Ln:" +
+    EXPECT_EQ(written, "console:\n -->  1console:\n **ERROR**  <--  badconsole:\n -->  2console:\n <--  2"
+                       "console:\n -->  3console:\n Ln:" +
                            line + " 4console:\n Ln:0 4");
     handle.traceType = 0;
     handle.callback = nullptr;
