@@ -161,11 +161,11 @@ TEST_F(BiosconfigTest, EveryComponentTracesToAllSinksAndAFaultyConfigurationIsTo
     for (const char *const format : {"ui-xml", "log-xml", "log-html", "log-html-xml", "log-json", "ui-json"})
     {
         console += RunBiosconfig(std::string("report --tool-dir tools --format ") + format).messages;
-        all += ReadFile("all.log");
+        all += BufferOf("all.log");
     }
     for (const std::string component : kComponents)
     {
-        const std::string lines = ReadFile(component + ".log"), first = lines.substr(0, lines.find('\n', 1));
+        const std::string lines = BufferOf(component + ".log"), first = lines.substr(0, lines.find('\n', 1));
         EXPECT_TRUE(first.starts_with("\n -->  Fn:")) << component;
         EXPECT_TRUE(all.find(first) != std::string::npos && console.find(first) != std::string::npos) << first;
     }

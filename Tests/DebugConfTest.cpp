@@ -29,9 +29,9 @@ std::string Describe(const DebugHandle_t &handle)
          {std::pair(handle.syncPackageFile, 'S'), std::pair(handle.locked, 'L'), std::pair(handle.threaded, 'T'),
           std::pair(handle.logToPackageFile, 'P'), std::pair(handle.syncGlobalFile, 'G'),
           std::pair(handle.packageFile != nullptr, 'p'), std::pair(handle.globalFile != nullptr, 'g'),
-          std::pair(handle.consolePrint != std::printf, 'o'), std::pair(handle.filePrint != std::fprintf, 'f'),
-          std::pair(handle.customPrint != nullptr, 'u'), std::pair(handle.callbackMask != TRACE_ALL, 'm'),
-          std::pair(handle.callback != nullptr, 'c')})
+          std::pair(handle.consolePrint != DebugHandle_t().consolePrint, 'o'),
+          std::pair(handle.filePrint != DebugHandle_t().filePrint, 'f'), std::pair(handle.customPrint != nullptr, 'u'),
+          std::pair(handle.callbackMask != TRACE_ALL, 'm'), std::pair(handle.callback != nullptr, 'c')})
         settings += on ? std::string(1, letter) : "";
     return settings;
 }
@@ -46,7 +46,9 @@ Handle Open(const char *name)
 /// A log file with '#' for every time stamp.
 std::string Masked(const std::string &path)
 {
-    return std::regex_replace(ReadFile(path), std::regex("TS:[0-9]+"), "TS:#");
+    std::string text;
+    EXPECT_TRUE(Platform::ReadTextFile(path, text)) << path;
+    return std::regex_replace(text, std::regex("TS:[0-9]+"), "TS:#");
 }
 
 /// How a line with bytes begins.
@@ -205,11 +207,15 @@ constexpr TraceCallback_t kCallBack = [](std::uint32_t, const char *, std::uint3
 
 std::vector<Status> SetEverything(Handle handle)
 {
-    return {SetTraceType(handle, TRACE_WARN | 64, true), SetOutputType(handle, OUTPUT_CONSOLE, false),
-            SetTraceFormat(handle, FORMAT_TIME, false),  SetPackageFile(handle, stdout),
-            SetTraceCallback(handle, kCallBack),         SetTraceCallbackMask(handle, 0),
-            SetConsolePrint(handle, std::scanf),         SetFilePrint(handle, std::fscanf),
-            SetCustomPrint(handle, std::printf)};
+    return {SetTraceType(handle, TRACE_WARN | 64, true),
+            SetOutputType(handle, OUTPUT_CONSOLE, false),
+            SetTraceFormat(handle, FORMAT_TIME, false),
+            SetPackageFile(handle, stdout),
+            SetTraceCallback(handle, kCallBack),
+            SetTraceCallbackMask(handle, 0),
+            SetConsolePrint(handle, std::scanf),
+            SetFilePrint(handle, std::fscanf),
+            SetCustomPrint(handle, DebugHandle_t().consolePrint)};
 }
 
 std::vector<Status> SetAll(std::uint32_t mask)
