@@ -108,6 +108,7 @@ TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
 
 TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
 {
+    const EnvironmentSetting programFiles("ProgramFiles", m_directory.Path("Program Files"));
     const Outcome outcome = TestSupport::RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
     EXPECT_EQ(outcome.exitCode, 0U);
     EXPECT_EQ(outcome.messages, "BIOS Options: bios options\n");
@@ -129,28 +130,30 @@ TEST_F(BiosconfigTest, AnUpdateShowsTheModulesMessage)
     EXPECT_NE(refused.messages.find("  Failed to Write to knobs (Update Bios Settings), "), std::string::npos);
 }
 
-TEST_F(BiosconfigTest, EveryComponentTracesIntoItsFileAndAFaultyConfigurationIsTold)
+constexpr const char *kComponents[] = {
+    "BiosConfigModule",    "BiosConfigurationModule", "ErrorUIXMLWriter",    "ModuleUIXMLWriter",  "ModuleLogXMLWriter",
+    "ModuleLogHTMLWriter", "ModuleLogHTMLXMLWriter",  "ModuleLogJSONWriter", "ModuleUIJSONWriter", "XMLParser",
+    "XMLReaderLib"};
+
+TEST_F(BiosconfigTest, EveryComponentTracesToAllSinksAndAFaultyConfigurationIsTold)
 {
-    const char *const components[] = {"BiosConfigModule",
-                                      "BiosConfigurationModule",
-                                      "ErrorUIXMLWriter",
-                                      "ModuleUIXMLWriter",
-                                      "ModuleLogXMLWriter",
-                                      "ModuleLogHTMLWriter",
-                                      "ModuleLogHTMLXMLWriter",
-                                      "ModuleLogJSONWriter",
-                                      "ModuleUIJSONWriter",
-                                      "XMLParser",
-                                      "XMLReaderLib"};
-    std::string configuration = "Global:TraceType<En>\nGlobal:OutputType<Fi>\n";
-    for (const std::string component : components)
+    std::string configuration = "Global:TraceType<En>\nGlobal:OutputType<CoFi>\nGlobal:FileName<all.log>\n";
+    for (const std::string component : kComponents)
         configuration.append(component).append(":FileName<").append(component).append(".log>\n");
     const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
     WriteFile("debug.conf", configuration);
+    std::string all, console;
     for (const char *const format : {"ui-xml", "log-xml", "log-html", "log-html-xml", "log-json", "ui-json"})
-        RunBiosconfig(std::string("report --tool-dir tools --format ") + format);
-    for (const std::string component : components)
-        EXPECT_TRUE(BufferOf(component + ".log").starts_with("\n -->  Fn:")) << component;
+    {
+        console += RunBiosconfig(std::string("report --tool-dir tools --format ") + format).messages;
+        all += BufferOf("all.log");
+    }
+    for (const std::string component : kComponents)
+    {
+        const std::string lines = BufferOf(component + ".log"), first = lines.substr(0, lines.find('\n', 1));
+        EXPECT_TRUE(first.starts_with("\n -->  Fn:")) << component;
+        EXPECT_TRUE(all.find(first) != std::string::npos && console.find(first) != std::string::npos) << first;
+    }
     WriteFile("debug.conf", "Global:TraceType<En>\nGlobal:FileName<x.log\n");
     const std::string messages = RunBiosconfig("capabilities --tool-dir tools").messages;
     EXPECT_TRUE(messages.starts_with("biosconfig: debug.conf, line 2, is not of the form")) << messages;

@@ -5,6 +5,7 @@
 #include "FailingAllocation.h"
 #include "TestSupport.h"
 
+#include <cinttypes>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
@@ -13,6 +14,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
+using namespace StatusCode;
 using TestSupport::ReadFile;
 using TestSupport::WriteFile;
 using Handle = DebugHandle_t *;
@@ -27,9 +29,9 @@ std::string Describe(const DebugHandle_t &handle)
          {std::pair(handle.syncPackageFile, 'S'), std::pair(handle.locked, 'L'), std::pair(handle.threaded, 'T'),
           std::pair(handle.logToPackageFile, 'P'), std::pair(handle.syncGlobalFile, 'G'),
           std::pair(handle.packageFile != nullptr, 'p'), std::pair(handle.globalFile != nullptr, 'g'),
-          std::pair(handle.consolePrint != kStandardConsolePrint, 'o'),
-          std::pair(handle.filePrint != kStandardFilePrint, 'f'), std::pair(handle.customPrint != nullptr, 'u'),
-          std::pair(handle.callbackMask != TRACE_ALL, 'm')})
+          std::pair(handle.consolePrint != DebugHandle_t().consolePrint, 'o'),
+          std::pair(handle.filePrint != DebugHandle_t().filePrint, 'f'), std::pair(handle.customPrint != nullptr, 'u'),
+          std::pair(handle.callbackMask != TRACE_ALL, 'm'), std::pair(handle.callback != nullptr, 'c')})
         settings += on ? std::string(1, letter) : "";
     return settings;
 }
@@ -37,16 +39,25 @@ std::string Describe(const DebugHandle_t &handle)
 Handle Open(const char *name)
 {
     Handle handle = nullptr;
-    EXPECT_EQ(InitDebugHandle(name, &handle), StatusCode::Success) << name;
+    EXPECT_EQ(InitDebugHandle(name, &handle), Success) << name;
     return handle;
 }
 
-/// A log file with '#' for every line number, time stamp and address.
+/// A log file with '#' for every time stamp.
 std::string Masked(const std::string &path)
 {
     std::string text;
     EXPECT_TRUE(Platform::ReadTextFile(path, text)) << path;
-    return std::regex_replace(text, std::regex("(Ln:|TS:|0x0000)[0-9a-f]+"), "$1#");
+    return std::regex_replace(text, std::regex("TS:[0-9]+"), "TS:#");
+}
+
+/// How a line with bytes begins.
+std::string RowOf(const unsigned char *bytes)
+{
+    char text[80];
+    std::snprintf(text, sizeof text, "\n **ERROR**  Fn:F Ln:9 TS:#  Pos  0x%016" PRIxPTR ":  ",
+                  reinterpret_cast<std::uintptr_t>(bytes));
+    return text;
 }
 
 /// Works in a directory of its own, where debug.conf is looked for.
@@ -80,7 +91,7 @@ TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
     } cases[] = {
         {"[GLOBAL]\r\n # comment\n\n[PACK AGES]\n#" + std::string(254, 'x') + "\r\n", unchanged, ""},
         {"Y:TraceType<Al>\nX" + text63 + ":TraceType<Al>\n", unchanged, ""},
-        {" X : Trace Type < En\tEx > behind\r\nX:SyncFlag<Y>", "33 1 15 P", ""},
+        {" X : \vTrace\fType < En\tEx > behind #\r\nX:SyncFlag<Y>", "33 1 15 P", ""},
         {"X:TraceType<EnNoEx>\nX:OutputType<Al>\nX:TraceFormatType<FnTd>\n", "32 7 9 P", ""},
         {"X:TraceType<PaWaInEr>\nX:OutputType<FiIn>\nX:TraceFormatType<LnTi>\n", "30 6 6 P", ""},
         {"X:TraceType<En>\nX:OutputType<No>\nX:TraceType<>\nX:TraceFormatType<Al>\n", "0 0 15 P", ""},
@@ -108,52 +119,91 @@ TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
     EXPECT_TRUE(fs::exists(text63)); // of a file name that is too long 63 characters are kept
 }
 
-TEST_F(DebugConfTest, LogFilesHoldTheLinesOfTheirHandles)
+TEST_F(DebugConfTest, FileThatCannotBeReadIsToldAndHasNoSettings)
+{
+    const std::vector<std::string> unreadable = {"debug.conf cannot be read; no trace setting takes effect"};
+    fs::create_directory("debug.conf");
+    EXPECT_EQ(CheckDebugConf(), unreadable);
+    fs::remove("debug.conf");
+    // Opens, but its first byte cannot be read.
+    std::error_code error;
+    fs::create_symlink("/proc/self/mem", "debug.conf", error);
+    EXPECT_TRUE(error || CheckDebugConf() == unreadable);
+}
+
+TEST_F(DebugConfTest, LinesGoToTheSinksOfTheirHandlesWithoutAllocating)
 {
     WriteFile("all.log", "of an earlier run");
-    WriteFile("debug.conf", "Global:FileName<all.log>\nGlobal:OutputType<Fi>\nGlobal:SyncFlag<Y>\nA:TraceType<EnEx>\n"
-                            "A:FileName<ab.log>\nB:TraceType<Er>\nB:FileName<ab.log>\nB:TraceFormatType<Td>\n"
+    WriteFile("debug.conf", "Global:FileName<all.log>\nGlobal:OutputType<CoFi>\nGlobal:SyncFlag<Y>\n"
+                            "A:TraceType<EnEx>\nA:FileName<ab.log>\nA:DebugFlagsType<LgSy>\n"
+                            "AB:TraceType<Er>\nAB:FileName<ab.log>\nD:TraceType<Er>\nD:TraceFormatType<Td>\n"
                             "C:TraceType<Al>\nC:FileName<c.log>\nC:DebugFlagsType<No>\n");
-    const Handle handles[] = {Open("A"), Open("B"), Open("C")};
+    EXPECT_EQ(CheckDebugConf(), std::vector<std::string>());
+    EXPECT_TRUE(ReadFile("all.log") == "of an earlier run" && !fs::exists("ab.log"));
+    std::string name = "A";
+    const Handle handles[] = {Open(name.c_str()), Open("AB"), Open("C"), Open("D")};
+    name = "gone";
+    testing::internal::CaptureStdout();
     for (const Handle handle : handles)
-        DebugTrace(handle, "F.cpp", "F", 7, TRACE_FAILURE, "%-300s", handle->componentName);
-    const std::string error = "\n **ERROR** ", rest(254, ' '), lineOfA = "\n <--  Fn:F Ln:# TS:# A" + rest;
-    EXPECT_EQ(Masked("all.log"), lineOfA + error + " B" + rest + error + " <--  Fn:F Ln:# TS:# C" + rest);
+    {
+        const auto trace = [handle]
+        { return DebugTrace(handle, "F.cpp", "F", 7, TRACE_FAILURE, "%-300s", handle->componentName); };
+        EXPECT_EQ(WithoutMemory(0, trace), Success);
+    }
+    const std::string fields = " Fn:F Ln:7 TS:# ", rest(253, ' '), error = "\n **ERROR** ";
+    const std::string lineOfA = "\n <-- " + fields + "A " + rest, lineOfB = error + fields + "AB" + rest;
+    const std::string lines = lineOfA + lineOfB + error + " <-- " + fields + "C " + rest + error + " D " + rest;
+    EXPECT_EQ(Masked("all.log"), lines);
+    EXPECT_EQ(Masked("ab.log"), lineOfA);
+    UnInitDebugHandle(handles[0]);
     const unsigned char bytes[9] = {1, 2, 3, 4, 5, 6, 7, 8, 0xFF};
-    DebugHandle_t closed;
-    closed.componentName = "closed";
-    EXPECT_EQ(DebugTraceValues(handles[1], TRACE_ERROR, bytes, 0, "", "F", 9), StatusCode::Success);
-    EXPECT_EQ(DebugTraceValues(handles[1], TRACE_ERROR, bytes, 9, "", "F", 9), StatusCode::Success);
-    EXPECT_EQ(DebugTraceValues(handles[1], TRACE_ERROR, nullptr, 9, "", "F", 9), StatusCode::Missing);
-    EXPECT_EQ(DebugTraceValues(&closed, TRACE_ERROR, bytes, 9, "", "F", 9), StatusCode::NotFound);
-    for (const Handle handle : handles)
+    const DebugHandle_t closed{.componentName = "A"};
+    const auto trace = [](const DebugHandle_t *handle, const void *data, std::size_t length)
+    { return DebugTraceValues(handle, TRACE_ERROR, data, length, "", "F", 9); };
+    EXPECT_EQ(trace(nullptr, bytes, 9) + trace(handles[1], nullptr, 9), 2 * Missing);
+    EXPECT_EQ(trace(&closed, bytes, 9), NotFound);
+    EXPECT_TRUE(trace(handles[1], bytes, 0) == Success && trace(handles[1], bytes, 9) == Success);
+    for (const Handle handle : {handles[1], handles[2], handles[3]})
         UnInitDebugHandle(handle);
-    const std::string dashes(20, '-'), row = error + "  Pos  0x0000#:  0x";
-    const std::string banner = error + std::string(30, ' ') + dashes + "Values" + dashes.substr(2);
-    EXPECT_EQ(Masked("ab.log"), lineOfA + error + " B" + rest + banner + banner + row +
-                                    "01 0x02 0x03 0x04 0x05 0x06 0x07 0x08 " + row + "ff        ");
+    const std::string banner =
+        error + " Fn: Ln:0 TS:# " + std::string(29, ' ') + "--------------------Values------------------";
+    const std::string values =
+        banner + banner + RowOf(bytes) + "0x01 0x02 0x03 0x04 0x05 0x06 0x07 0x08 " + RowOf(bytes + 8) + "0xff        ";
+    EXPECT_EQ(Masked("all.log"), lines + values);
+    EXPECT_EQ(Masked("ab.log"), lineOfA + lineOfB + values);
     EXPECT_EQ(ReadFile("c.log"), "");
+    WriteFile("console", testing::internal::GetCapturedStdout());
+    EXPECT_EQ(Masked("console"), Masked("all.log"));
 }
 
 TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
 {
     WriteFile("debug.conf", "X:TraceType<bad>\n");
-    const Handle first = Open("Y");
+    Handle first = Open("Y"), other = Open("y"), empty = Open("");
     EXPECT_EQ(Settings("X:TraceType<Al>\n"), "0 1 15 P");
-    UnInitDebugHandle(first);
+    EXPECT_TRUE(Open("Y") == first && other != first && empty != first && first->refCount == 2);
+    EXPECT_TRUE(first->state == 1 && first->mutex);
+    DebugHandle_t closed{.componentName = "Y"};
+    for (const Handle handle : {first, first, other, empty})
+        EXPECT_EQ(UnInitDebugHandle(handle), Success);
+    EXPECT_EQ(UnInitDebugHandle(&closed), Failed);
+    EXPECT_EQ(UnInitDebugHandle(nullptr) + InitDebugHandle("Y", nullptr), 2 * Missing);
+    EXPECT_TRUE(InitDebugHandle(nullptr, &first) == Missing && !first);
     EXPECT_EQ(Settings("X:TraceType<Al>\nX:FileName<whose name takes memory.log>\n"), "63 1 15 Pp");
     // An open without memory gives no handle or a good one, and keeps nothing that failed.
     for (long succeeding = 0; succeeding < 12; ++succeeding)
     {
         Handle handle = nullptr;
         const Status status = WithoutMemory(succeeding, [&handle] { return InitDebugHandle("X", &handle); });
-        EXPECT_EQ(handle != nullptr, status == StatusCode::Success) << succeeding;
+        EXPECT_EQ(handle != nullptr, status == Success) << succeeding;
         UnInitDebugHandle(handle);
     }
     char version[kDebugVersionSize] = {};
-    EXPECT_EQ(GetDebugLibVersion(version), StatusCode::Success);
+    EXPECT_EQ(GetDebugLibVersion(version) + GetDebugLibVersion(nullptr), Success + Missing);
     EXPECT_EQ(std::string(version) + (version + 3) + (version + 6) + (version + 11), "020001001");
 }
+
+constexpr TraceCallback_t kCallBack = [](std::uint32_t, const char *, std::uint32_t) { return Success; };
 
 std::vector<Status> SetEverything(Handle handle)
 {
@@ -161,11 +211,11 @@ std::vector<Status> SetEverything(Handle handle)
             SetOutputType(handle, OUTPUT_CONSOLE, false),
             SetTraceFormat(handle, FORMAT_TIME, false),
             SetPackageFile(handle, stdout),
-            SetTraceCallback(handle, nullptr),
+            SetTraceCallback(handle, kCallBack),
             SetTraceCallbackMask(handle, 0),
             SetConsolePrint(handle, std::scanf),
             SetFilePrint(handle, std::fscanf),
-            SetCustomPrint(handle, kStandardConsolePrint)};
+            SetCustomPrint(handle, DebugHandle_t().consolePrint)};
 }
 
 std::vector<Status> SetAll(std::uint32_t mask)
@@ -175,29 +225,30 @@ std::vector<Status> SetAll(std::uint32_t mask)
 
 TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
 {
-    const std::vector<Status> refused(9, StatusCode::NotFound), all(3, StatusCode::Success);
-    DebugHandle_t closed;
-    closed.componentName = "X";
+    const std::vector<Status> refused(9, NotFound), all(3, Success);
+    DebugHandle_t closed{.componentName = "X"};
     EXPECT_EQ(SetEverything(&closed), refused);
-    EXPECT_EQ(SetEverything(nullptr), std::vector<Status>(9, StatusCode::Missing));
+    EXPECT_EQ(SetEverything(nullptr), std::vector<Status>(9, Missing));
     EXPECT_EQ(SetAll(2), all);
     const Handle handle = Open("X"), locked = Open("Y");
-    EXPECT_EQ(SetDebugFlag(locked, FLAG_LOCKED, true), StatusCode::Success);
+    EXPECT_EQ(SetDebugFlag(locked, FLAG_LOCKED, true) + SetGlobalFileAll(stdout), 2 * Success);
     EXPECT_EQ(SetEverything(locked), refused);
     EXPECT_EQ(SetAll(2), all);
-    EXPECT_EQ(SetAll(64), std::vector<Status>(3, StatusCode::NotFound));
-    EXPECT_EQ(SetGlobalFileAll(stdout), StatusCode::Success);
+    EXPECT_EQ(SetAll(64), std::vector<Status>(3, NotFound));
     EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "2 3 13 Pg/0 1 15 LP");
-    EXPECT_EQ(SetEverything(handle), std::vector<Status>(9, StatusCode::Success));
-    EXPECT_EQ(Describe(*handle), "74 2 9 Ppgofum");
-    EXPECT_EQ(SetPackageFile(handle, nullptr), StatusCode::Missing);
-    EXPECT_EQ(SetTraceType(handle, 64, true), StatusCode::NotFound);
+    EXPECT_EQ(SetEverything(handle), std::vector<Status>(9, Success));
+    EXPECT_EQ(SetGlobalFileAll(nullptr) + SetPackageFile(handle, nullptr) + SetDebugFlag(nullptr, 64, true),
+              3 * Missing);
+    EXPECT_EQ(SetTraceType(handle, 64, true) + SetDebugFlag(handle, 64, true) + SetDebugFlagAll(16, true),
+              3 * NotFound);
+    EXPECT_EQ(SetDebugFlag(handle, 48, true), Success);
+    EXPECT_EQ(Describe(*handle), "74 2 9 Ppgofumc");
     // The first of several flags is set, in one order for one handle and in another for all.
-    EXPECT_EQ(SetDebugFlag(handle, 64, true) + SetDebugFlagAll(16, true), 2 * StatusCode::NotFound);
-    EXPECT_EQ(SetDebugFlag(handle, 9, true) + SetDebugFlag(handle, 14, false), 2 * StatusCode::Success);
-    EXPECT_EQ(SetDebugFlag(handle, 38, true) + SetGlobalFileSyncAll(true), 2 * StatusCode::Success);
-    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 STGpgofum/0 1 15 LPG");
-    EXPECT_EQ(SetDebugFlagAll(9, false) + SetDebugFlagAll(10, false), 2 * StatusCode::Success);
+    EXPECT_EQ(SetDebugFlag(handle, 9, true) + SetDebugFlag(handle, 14, false) + SetDebugFlag(handle, 38, true),
+              3 * Success);
+    EXPECT_EQ(SetGlobalFileSyncAll(true), Success);
+    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 STGpgofumc/0 1 15 LPG");
+    EXPECT_EQ(SetDebugFlagAll(9, false) + SetDebugFlagAll(10, false) + SetTraceCallback(handle, nullptr), 3 * Success);
     EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 TGpgofum/0 1 15 PG");
     UnInitDebugHandle(handle);
     UnInitDebugHandle(locked);

@@ -17,10 +17,9 @@ void *operator new(std::size_t size, const std::nothrow_t &) noexcept
 
 void *operator new(std::size_t size)
 {
-    void *const memory = operator new(size, std::nothrow);
-    if (!memory)
-        throw std::bad_alloc();
-    return memory;
+    if (void *const memory = operator new(size, std::nothrow))
+        return memory;
+    throw std::bad_alloc();
 }
 
 void operator delete(void *memory) noexcept

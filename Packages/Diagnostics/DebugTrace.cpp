@@ -164,8 +164,8 @@ void PrintToSinks(const DebugHandle_t &handle, Line &line)
 }
 
 /// Makes the line and hands it out; for a handle that wants it.
-void Trace(const DebugHandle_t &handle, const char * /*sourceFile*/, const char *functionName, std::uint32_t lineNumber,
-           std::uint32_t level, const char *format, va_list arguments)
+void Trace(const DebugHandle_t &handle, const char *functionName, std::uint32_t lineNumber, std::uint32_t level,
+           const char *format, std::va_list arguments)
 {
     Line line;
     const bool printed = (handle.outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) != 0 && (handle.traceType & level) != 0;
@@ -184,8 +184,8 @@ void Trace(const DebugHandle_t &handle, const char * /*sourceFile*/, const char 
 const ConsolePrint_t kStandardConsolePrint = std::printf;
 const FilePrint_t kStandardFilePrint = std::fprintf;
 
-Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName, std::uint32_t line,
-                  std::uint32_t level, const char *format, ...)
+Status DebugTrace(const DebugHandle_t *handle, const char * /*sourceFile*/, const char *functionName,
+                  std::uint32_t line, std::uint32_t level, const char *format, ...)
 {
     if (!handle)
         return StatusCode::Missing;
@@ -193,15 +193,7 @@ Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const cha
         return StatusCode::Success;
     std::va_list arguments;
     va_start(arguments, format);
-    Trace(*handle, sourceFile, functionName, line, level, format, arguments);
+    Trace(*handle, functionName, line, level, format, arguments);
     va_end(arguments);
     return StatusCode::Success;
-}
-
-void FunctionTrace::Line(std::uint32_t line, std::uint32_t level, const char *format, ...) const
-{
-    std::va_list arguments;
-    va_start(arguments, format);
-    Trace(*m_handle, m_sourceFile, m_functionName, line, level, format, arguments);
-    va_end(arguments);
 }

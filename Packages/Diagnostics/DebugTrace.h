@@ -61,12 +61,15 @@ public:
     FunctionTrace &operator=(const FunctionTrace &) = delete;
 
     bool Wants(std::uint32_t level) const { return TraceWanted(m_handle, level); }
+    const DebugHandle_t *Handle() const { return m_handle; }
+    const char *SourceFile() const { return m_sourceFile; }
+    const char *FunctionName() const { return m_functionName; }
 
     /// A line with a fixed text that does not leave the function.
     void Text(std::uint32_t level, TraceText message) const
     {
         if (Wants(level))
-            Line(message.line, level, "%s", message.text);
+            DebugTrace(m_handle, m_sourceFile, m_functionName, message.line, level, "%s", message.text);
     }
 
     void Error(TraceText message) const { Text(TRACE_ERROR, message); }
@@ -87,10 +90,6 @@ public:
         return status;
     }
 
-    /// Writes a line that is wanted; the macros below test that first.
-    void Line(std::uint32_t line, std::uint32_t level, const char *format, ...) const
-        __attribute__((format(printf, 4, 5)));
-
 private:
     Status Leave(Status status, std::uint32_t level, TraceText message)
     {
@@ -106,12 +105,14 @@ private:
     bool m_left = false;
 };
 
-/// A formatted line; its arguments are evaluated only when the line is wanted.
+/// A formatted line; its arguments are evaluated only when the line is wanted. (Not a function of the object: without
+/// its address passed on, the object of a call that traces nothing takes no memory and no time.)
 #define TRACE(trace, level, ...)                                                                                       \
     do                                                                                                                 \
     {                                                                                                                  \
         if ((trace).Wants(level))                                                                                      \
-            (trace).Line(__LINE__, (level), __VA_ARGS__);                                                              \
+            DebugTrace((trace).Handle(), (trace).SourceFile(), (trace).FunctionName(), __LINE__, (level),              \
+                       __VA_ARGS__);                                                                                   \
     } while (false)
 
 /// Leaves the function with `status` and a formatted exit line.

@@ -67,9 +67,7 @@ void Rotate(ContainerHandle_t &tree, RBNode_t *node, TreeSide_t side)
     RBNode_t *const lifted = node->child[1 - side];
     RBNode_t *const inner = lifted->child[side];
     node->child[1 - side] = inner;
-    // A deletion under way needs the sentinel's parent.
-    if (inner != None(tree))
-        inner->parent = node;
+    inner->parent = node;
     Replace(tree, node, lifted);
     lifted->child[side] = node;
     node->parent = lifted;
