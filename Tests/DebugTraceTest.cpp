@@ -107,7 +107,7 @@ TEST(DebugTrace, PrintFunctionsOfTheLibraryAndOfOthersGetTheSameLine)
     handle.filePrint = DebugHandle_t().filePrint;
     handle.packageFile = nullptr;
     testing::internal::CaptureStdout();
-    DebugTrace(&handle, "file", "F", 1, TRACE_ERROR, "x");
+    DebugTrace(&handle, "file", "F", 1, TRACE_ERROR, "x%cy", 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "\n x");
     EXPECT_EQ(written, "console:\n xconsole:\n x");
 }

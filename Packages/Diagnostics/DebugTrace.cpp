@@ -2,7 +2,6 @@
 
 #include "Platform.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cstdarg>
 #include <cstring>
@@ -59,9 +58,10 @@ public:
     void EndMessage(int length)
     {
         m_text[m_headerLength] = ' ';
-        if (length > 0)
-            m_messageLength = std::min(static_cast<std::size_t>(length), kMessageLimit - 1);
-        MessageBuffer()[m_messageLength] = '\0';
+        if (length < 0)
+            MessageBuffer()[0] = '\0';
+        // A zero among the characters ends the message for every print function, so not `length`.
+        m_messageLength = std::strlen(Message());
     }
 
     const char *Message() const { return m_text + m_headerLength + 1; }
