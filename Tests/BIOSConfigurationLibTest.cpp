@@ -80,7 +80,7 @@ TEST_F(BIOSConfigurationLibTest, InitTellsWhyTheToolCannotBeUsed)
         {"exit:0", 1, {made, exec, " <--  Fn:Exec Exec\n", " <-- " + fn + "biosConfigurationLibInit\n"}},
         {"exit:1", 2, {made, exec, failed}},
         {"exit:2", 6, {made, exec, failed}},
-        {"exit:255", 6, {made, exec, failed}},
+        {"exit:3221225477", 6, {made, exec, failed}}, // an access violation
         {"crash", 6, {made, exec, failed}},
         {"missing program", 5, {made, exec, failed}},
         {"missing folder",

@@ -251,7 +251,8 @@ TEST(InitContainer, RefusesWhatItCannotMake)
     for (auto *const init : {RBTreeInit, AVLTreeInit})
         EXPECT_EQ(WithoutMemory(0, [&] { return init(&none); }), NoMemory);
     for (const std::uint32_t kind : kKinds)
-        for (long succeeding = 0; succeeding < (kind < CONTAINER_RB_TREE ? 2 : 3); ++succeeding)
+        for (long succeeding = 0; succeeding < (kind < CONTAINER_RB_TREE ? 1 : 2) + ALLOCATIONS_OF_A_MUTEX;
+             ++succeeding)
         {
             ContainerParams_t params{.kind = kind};
             EXPECT_EQ(WithoutMemory(succeeding, [&] { return InitContainer(&params, made); }),

@@ -223,6 +223,21 @@ std::vector<Status> SetAll(std::uint32_t mask)
     return {SetTraceTypeAll(mask, true), SetOutputTypeAll(mask, true), SetTraceFormatAll(mask, false)};
 }
 
+TEST_F(DebugConfTest, NameThatNoMutexCanHaveGivesNoHandle)
+{
+    const char *const name = "no\\such\\folder";
+    Handle handle = nullptr;
+    const Status status = InitDebugHandle(name, &handle);
+    const Platform::MutexHandle mutex = Platform::MakeMutex(name);
+    Platform::CloseMutex(mutex);
+    EXPECT_EQ(status, mutex ? Success : Failed);
+    EXPECT_EQ(handle != nullptr, mutex != nullptr);
+    EXPECT_EQ(DebugTrace(handle, "F.cpp", "F", 1, TRACE_ERROR, "x"), mutex ? Success : Missing);
+    UnInitDebugHandle(handle);
+    if (mutex)
+        GTEST_SKIP() << "mutexes have no names on this system";
+}
+
 TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
 {
     const std::vector<Status> refused(9, NotFound), all(3, Success);

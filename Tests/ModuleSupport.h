@@ -31,8 +31,8 @@ public:
     }
 
     /// The host's tool directory with its final separator, as on Windows; and the path of a file in it.
-    std::string HostDirectory() const { return m_root.Path("host\\"); }
-    std::string HostFile(const std::string &name) const { return m_root.Path("host/" + name); }
+    std::string HostDirectory() const { return m_root.Path("host (\xE4)\\"); }
+    std::string HostFile(const std::string &name) const { return m_root.Path("host (\xE4)/" + name); }
     /// The path of a file in the external tool's directory.
     std::string ToolFile(const std::string &name) const { return m_root.Path(kToolPlace + name); }
     std::string ToolProgram() const { return ToolFile("FenrikBinary/FenrikCmd.exe"); }
@@ -62,14 +62,14 @@ public:
 
 private:
     static constexpr const char *kToolPlace =
-        "Program Files/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/";
+        "Program Files \xE4/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/";
 
     void Reinstall()
     {
         namespace fs = std::filesystem;
         m_fault.clear();
-        fs::remove_all(m_root.Path("host"));
-        fs::remove_all(m_root.Path("Program Files"));
+        fs::remove_all(m_root.Path("host (\xE4)"));
+        fs::remove_all(m_root.Path("Program Files \xE4"));
         fs::create_directories(HostFile("ModuleData"));
         WriteFile(HostFile("CapsList.json"), kOneCapability);
         fs::create_directories(ToolFile("FenrikBinary"));
@@ -77,7 +77,7 @@ private:
     }
 
     TemporaryDirectory m_root;
-    EnvironmentSetting m_programFiles{"ProgramFiles", m_root.Path("Program Files")};
+    EnvironmentSetting m_programFiles{"ProgramFiles", m_root.Path("Program Files \xE4")};
     std::deque<EnvironmentSetting> m_fault;
 };
 

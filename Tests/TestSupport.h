@@ -34,7 +34,7 @@ public:
     TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
 
     /// The path of `name` inside.
-    std::string Path(const std::string &name) const { return (m_path / name).string(); }
+    std::string Path(const std::string &name) const { return m_path.string() + "/" + name; }
 
 private:
     std::filesystem::path m_path;
