@@ -14,7 +14,7 @@
 template <typename Function>
 Function *FindExport(const char *file, const char *name)
 {
-    const HMODULE library = LoadLibraryA(file);
+    const HMODULE library = LoadLibraryExA(file, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     return library ? reinterpret_cast<Function *>(reinterpret_cast<void *>(GetProcAddress(library, name))) : nullptr;
 }
 #else
@@ -37,7 +37,10 @@ int main(int argumentCount, char **arguments)
     auto *const create = FindExport<decltype(CreateBiosConfigModule)>(arguments[1], "CreateBiosConfigModule");
     auto *const destroy = FindExport<decltype(DestroyBiosConfigModule)>(arguments[1], "DestroyBiosConfigModule");
     if (!create || !destroy)
+    {
+        std::cerr << "cannot load the module " << arguments[1] << "\n";
         return 1;
+    }
     const std::unique_ptr<BaseModule, decltype(destroy)> module(create(), destroy);
     if (!module)
         return 1;

@@ -61,6 +61,10 @@ private:
     void *m_library = nullptr;
 };
 
+/// Keeps the shared library that the calling code is part of loaded until the process ends. Windows:
+/// GetModuleHandleExA. POSIX: nothing, a library is linked so that it stays, where that matters.
+void StayLoaded();
+
 /// While it lives, what the process and its children write to standard output goes to standard error instead.
 class StandardOutputToError
 {
@@ -103,11 +107,13 @@ enum class DirectoryOutcome
 DirectoryOutcome MakeDirectory(const std::string &path);
 
 /// Gives the file at `from` the name `to` in one step, replacing a file of that name. Returns false, with both left
-/// as they were, when the system refuses. Windows: MoveFileExA. POSIX: rename.
+/// as they were, when the system refuses. Windows: MoveFileExA, again for a fifth of a second while another program has
+/// one of the files open. POSIX: rename.
 bool RenameOver(const std::string &from, const std::string &to);
 
-/// Removes the file at `path`, if there is one.
-void RemoveFile(const std::string &path);
+/// Removes the file at `path`, if there is one; false when there still is one. A directory stays and does not count.
+/// Windows: DeleteFileA. POSIX: unlink.
+bool RemoveFile(const std::string &path);
 
 struct CloseStream
 {
@@ -150,8 +156,8 @@ private:
 using MutexHandle = void *;
 
 /// Creates a mutex that nobody holds; null on failure, also without memory. On Windows it is named (CreateMutexA),
-/// system-wide, and a null or empty `name` gives one without a name; on POSIX it belongs to the process and the name is
-/// not used.
+/// of the whole session, and a null or empty `name` gives one without a name; on POSIX it belongs to the process and
+/// the name is not used.
 MutexHandle MakeMutex(const char *name);
 
 /// Waits without limit until the calling thread holds `mutex`. Returns false for null or when the wait fails.

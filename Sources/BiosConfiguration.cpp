@@ -1,8 +1,10 @@
 #include "BiosConfiguration.h"
+#include "Platform.h"
 
 #include "DebugTrace.h"
 #include "ExceptionBarrier.h"
 #include "FailureReport.h"
+#include "Platform.h"
 #include "XMLReaderLib.h"
 
 #include <memory>
@@ -59,6 +61,8 @@ void DestroyBiosConfigModule(BaseModule *module)
 
 BiosConfigModule::BiosConfigModule()
 {
+    // On Windows every load and unload would cost the process some of its few thread-local slots.
+    Platform::StayLoaded();
     InitDebugHandle("BiosConfigModule", &m_debugHandle);
     FunctionTrace trace(m_debugHandle, kSourceFile, "BiosConfigModule::BiosConfigModule", "BiosConfigModule\n");
     trace.Done(StatusCode::Success);

@@ -154,8 +154,7 @@ std::string StemOf(const std::string &path)
 /// Removes what an earlier template of that name has left. False when it is still there, for the tool to program.
 bool RemoveEarlier(const std::string &knobFile)
 {
-    Platform::RemoveFile(knobFile);
-    return !Platform::OpenStream(knobFile, "rb");
+    return Platform::RemoveFile(knobFile);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "SingletonManager.h"
 
 #include <array>
+#include <cerrno>
 #include <ctime>
 #include <initializer_list>
 #include <new>
@@ -103,8 +104,11 @@ Status ErrorUIXMLWriter::Initialize(std::string toolName, std::string fileName)
 
 Status ErrorUIXMLWriter::OpenDocument(std::string toolName, const std::string &fileName, FunctionTrace &trace)
 {
+    errno = 0;
     if (Platform::OpenStream(fileName, "rb"))
         GetRootNodeFromExistingXML(fileName);
+    else if (errno == EACCES)
+        return trace.Fail(StatusCode::Failed, "the file is there and cannot be read\n"); // its entries must not be lost
     if (!m_pDoc)
         m_pDoc = CCXmlCreateDoc(nullptr);
     if (!m_pDoc)

@@ -152,13 +152,11 @@ TEST_F(EndToEndTest, BytesThatAreNotUtf8CostNoRow)
     EXPECT_NE(Report(OutputKind::UiXml).find("<Row>\"a\""), std::string::npos);
 }
 
-TEST_F(EndToEndTest, ErrorsGoToAFileThatMayBeMissingBrokenOrUnwritable)
+TEST_F(EndToEndTest, ErrorsGoToAFileThatMayBeMissingOrUnwritable)
 {
     m_machine.UseFault("exit:1");
-    WriteFile(m_machine.HostFile("Error.xml"), "broken");
     Report(OutputKind::UiXml);
-    Report(OutputKind::UiXml);
-    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>(2, "Failed to initialise / BiosConfigModule - GetData"));
+    EXPECT_EQ(m_machine.Errors(), std::vector<std::string>{"Failed to initialise / BiosConfigModule - GetData"});
     fs::remove_all(m_machine.HostFile(""));
     EXPECT_FALSE(Report(OutputKind::UiXml).empty());
     EXPECT_FALSE(fs::exists(m_machine.HostFile("Error.xml")));

@@ -103,22 +103,20 @@ TEST_F(ErrorFileTest, TellsWhyNothingWasWritten)
 
 TEST_F(ErrorFileTest, WritersOfSeveralThreadsLoseNothing)
 {
-    const auto writeMany = [this]
+    const auto write = [this](int count)
     {
-        const Platform::MutexLock lock(getSingletonInstance()->errorFileMutex); // a holder may take it again
-        EXPECT_TRUE(lock);
-        for (int count = 0; count < 5; ++count)
+        while (count-- > 0)
             EXPECT_EQ(Write("M", "T"), StatusCode::Success);
     };
-    std::thread first(writeMany);
-    std::thread second(
-        [this]
+    std::thread first(
+        [&]
         {
-            for (int count = 0; count < 20; ++count)
-                Write("M", "T");
+            const Platform::MutexLock lock(getSingletonInstance()->errorFileMutex); // a holder may take it again
+            EXPECT_TRUE(lock);
+            write(5);
         });
-    for (int count = 0; count < 20; ++count)
-        Write("M", "T");
+    std::thread second(write, 20);
+    write(20);
     first.join();
     second.join();
     std::string entries;

@@ -31,7 +31,6 @@ echo "report.xml has $rows rows"
 cmake -S "$source_directory/Tests/Consumer" -B consumer -DHOST_SOURCE="$source_directory/Docs/MinimalHost.cpp" \
     -DBiosConfigModule_DIR="$(dirname "$(find "$top" -name BiosConfigModuleConfig.cmake)")" "${toolchain[@]}" >/dev/null
 cmake --build consumer >/dev/null
-cp consumer/Consumer* "$top/bin/"
-"${launcher[@]}" "$(echo "$top"/bin/Consumer*)" "$(<consumer/module-path)" tool/ >host.out 2>host.messages
+"${launcher[@]}" "$(find consumer -maxdepth 1 -type f -name 'Consumer*')" "$(<consumer/module-path)" tool/ >host.out 2>host.messages
 grep 'BIOS Options: bios options' host.messages
 grep -q '<Header>Name,Value,Prompt,Description</Header>' host.out

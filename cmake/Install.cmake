@@ -1,5 +1,4 @@
 # What an installation and the packages hold. On Windows everything that runs lies in one folder, as its loader wants it.
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 if(WIN32)
@@ -20,6 +19,9 @@ target_compile_features(Headers INTERFACE cxx_std_17)
 
 install(TARGETS Headers BiosConfigModule SingletonManager biosconfig EXPORT BiosConfigModule)
 install(TARGETS FenrikCmd DESTINATION ${stand_in_place})
+if(BIOSCONFIG_WINDOWS_LIBRARIES)
+  install(DIRECTORY ${BIOSCONFIG_WINDOWS_LIBRARIES}/share/copyright/ DESTINATION Docs/ThirdParty)
+endif()
 install(DIRECTORY Include/ DESTINATION ${header_place})
 install(FILES README.md CHANGELOG.md DESTINATION ${readme_place})
 install(DIRECTORY Docs DESTINATION ${readme_place})

@@ -3,7 +3,8 @@
 # For Debian 12, Ubuntu 24.04 and later; runs as root or through sudo and asks nothing.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libxml2-dev nlohmann-json3-dev libcli11-dev libgtest-dev libxml2-utils "$@")
+packages=(g++ cmake ninja-build libxml2-dev nlohmann-json3-dev libcli11-dev libgtest-dev libxml2-utils
+    python3-jsonschema "$@")
 
 missing=()
 for package in "${packages[@]}"; do
@@ -15,5 +16,5 @@ done
 as_root=()
 ((EUID == 0)) || as_root=(sudo)
 echo "Installing: ${missing[*]}" >&2
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q update
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -y install --no-install-recommends "${missing[@]}"
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 update
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 -y install --no-install-recommends "${missing[@]}"

@@ -16,5 +16,5 @@ mkdir -p "$WINEPREFIX"
 (
     flock 9
     "$server" -k0 || { "$server" "-p$seconds_to_stay" && timeout 120 "$wine" wineboot -i; } 9>&-
-) 9>"$WINEPREFIX/.lock" </dev/null >/dev/null 2>&1
+) 9>"$WINEPREFIX/.lock" </dev/null >/dev/null 2>&1 || { echo "Wine could not be started in $WINEPREFIX" >&2; exit 1; }
 exec "$wine" "$@"

@@ -24,13 +24,13 @@ fetch_source() {
         [[ -f $file ]] && sed 's/^Types:.*/Types: deb-src/' "$file" >"$place/apt/sources/${file##*/}"
     done
     for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-        [[ -f $file ]] && sed -n 's/^deb /deb-src /p' "$file" >"$place/apt/sources/${file##*/}"
+        [[ -f $file ]] && sed -n 's/^deb[[:space:]]/deb-src /p' "$file" >"$place/apt/sources/${file##*/}"
     done
     mv "$place/apt/sources/sources.list" "$place/apt/sources/main.list" 2>/dev/null || true
     local options=(-q -o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$place/apt/sources"
         -o "Dir::State::Lists=$place/apt/lists" -o "Dir::Cache=$place/apt/cache" -o APT::Sandbox::User=
         -o Acquire::Languages=none)
-    apt-get "${options[@]}" update >"$place/apt/log" 2>&1
+    apt-get "${options[@]}" update >"$place/apt/log" 2>&1 || { cat "$place/apt/log" >&2; return 1; }
     # The installed version where the sources still have it, else the one that they have.
     local version
     version=$(dpkg-query --show --showformat='${source:Version}' "$1-dev")
@@ -50,9 +50,14 @@ build_library() {
 }
 
 fetch_source libxml2
-build_library libxml2 "$(echo "$place"/src/libxml2-*/)" -DCMAKE_C_FLAGS="-DLIBXML_STATIC -ffunction-sections -fdata-sections" \
-    -DLIBXML2_WITH_{ICONV,LZMA,ZLIB,PYTHON,TESTS,PROGRAMS,HTTP,FTP}=OFF
+build_library libxml2 "$(echo "$place"/src/libxml2-*/)" -DCMAKE_C_FLAGS="-DLIBXML_STATIC -ffunction-sections -fdata-sections -ffile-prefix-map=$place/src/=" \
+    -DLIBXML2_WITH_{ICONV,LZMA,ZLIB,PYTHON,TESTS,PROGRAMS,HTTP,FTP,C14N,CATALOG,DEBUG,HTML,READER}=OFF \
+    -DLIBXML2_WITH_{SCHEMAS,SCHEMATRON,XINCLUDE,XPTR,MODULES,LEGACY}=OFF
 build_library googletest /usr/src/googletest -DBUILD_GMOCK=OFF
 for headers in nlohmann CLI; do cp -R "/usr/include/$headers" "$prefix/include/"; done
 for package in nlohmann_json CLI11; do cp -R "/usr/share/cmake/$package" "$prefix/share/cmake/"; done
+mkdir -p "$prefix/share/copyright"
+for package in libxml2-dev nlohmann-json3-dev libcli11-dev g++-mingw-w64-x86-64-posix mingw-w64-x86-64-dev; do
+    cp "/usr/share/doc/$package/copyright" "$prefix/share/copyright/$package.txt"
+done
 printf '%s' "$recipe" >"$stamp"

@@ -123,6 +123,8 @@ SharedLibrary::Symbol SharedLibrary::FindSymbol(const char *name) const
     return m_library ? reinterpret_cast<Symbol>(dlsym(m_library, name)) : nullptr;
 }
 
+void StayLoaded() {}
+
 StandardOutputToError::StandardOutputToError()
 {
     std::fflush(stdout);
@@ -178,9 +180,9 @@ bool RenameOver(const std::string &from, const std::string &to)
     return std::rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
 }
 
-void RemoveFile(const std::string &path)
+bool RemoveFile(const std::string &path)
 {
-    unlink(NativePath(path).c_str());
+    return unlink(NativePath(path).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR || errno == EISDIR;
 }
 
 StreamOwner OpenStream(const std::string &path, const char *mode)

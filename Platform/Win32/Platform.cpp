@@ -4,8 +4,10 @@
 
 #define WIN32_LEAN_AND_MEAN
 
+#include <climits>
 #include <fcntl.h>
 #include <io.h>
+#include <new>
 #include <system_error>
 #include <utility>
 #include <windows.h>
@@ -18,6 +20,8 @@ namespace
 
 constexpr DWORD kCreationFlags = CREATE_NO_WINDOW | NORMAL_PRIORITY_CLASS;
 constexpr double kMillisecondsPerSecond = 1000.0;
+constexpr int kRenameAttempts = 10;
+constexpr DWORD kRenamePause = 20; // milliseconds
 
 struct CloseSystemHandle
 {
@@ -27,6 +31,10 @@ using HandleOwner = std::unique_ptr<void, CloseSystemHandle>;
 
 std::wstring ToWide(UINT codePage, std::string_view text)
 {
+    if (text.empty())
+        return {};
+    if (text.size() > INT_MAX)
+        throw std::bad_alloc();
     const int length = static_cast<int>(text.size());
     const int size = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(size), L'\0');
@@ -68,10 +76,15 @@ std::string SharedLibraryFileName(const std::string &stem)
 }
 
 SharedLibrary::SharedLibrary(const std::string &path, std::string &error)
-    : m_library(LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
 {
+    // A library that cannot be loaded is told to the caller, not to the user in a box that waits for a click.
+    DWORD errorMode = 0;
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS, &errorMode);
+    m_library = LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    const DWORD code = GetLastError();
+    SetThreadErrorMode(errorMode, nullptr);
     if (!m_library)
-        error = path + ": " + std::system_category().message(static_cast<int>(GetLastError()));
+        error = path + ": " + std::system_category().message(static_cast<int>(code));
 }
 
 SharedLibrary::~SharedLibrary()
@@ -83,6 +96,13 @@ SharedLibrary::~SharedLibrary()
 SharedLibrary::Symbol SharedLibrary::FindSymbol(const char *name) const
 {
     return m_library ? reinterpret_cast<Symbol>(GetProcAddress(static_cast<HMODULE>(m_library), name)) : nullptr;
+}
+
+void StayLoaded()
+{
+    HMODULE library = nullptr;
+    GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<const char *>(&StayLoaded), &library);
 }
 
 StandardOutputToError::StandardOutputToError()
@@ -152,17 +172,35 @@ std::string FromFilesystemPath(const std::filesystem::path &path)
 
 bool RenameOver(const std::string &from, const std::string &to)
 {
-    return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
+    for (int attempt = 1;; ++attempt)
+    {
+        if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING))
+            return true;
+        // A scanner of files has a new one open for a moment.
+        const DWORD error = GetLastError();
+        if (attempt == kRenameAttempts || (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION))
+            return false;
+        Sleep(kRenamePause);
+    }
 }
 
-void RemoveFile(const std::string &path)
+bool RemoveFile(const std::string &path)
 {
-    DeleteFileA(path.c_str());
+    if (DeleteFileA(path.c_str()))
+        return true;
+    const DWORD error = GetLastError();
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_INVALID_NAME)
+        return true;
+    const DWORD attributes = GetFileAttributesA(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 StreamOwner OpenStream(const std::string &path, const char *mode)
 {
-    return StreamOwner(std::fopen(path.c_str(), (std::string(mode) + "N").c_str()));
+    StreamOwner stream(std::fopen(path.c_str(), mode));
+    if (stream)
+        SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream.get()))), HANDLE_FLAG_INHERIT, 0);
+    return stream;
 }
 
 MutexHandle MakeMutex(const char *name)

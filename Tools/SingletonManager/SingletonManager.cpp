@@ -8,6 +8,7 @@ namespace
 /// Lives as long as the process, so that no module's report finds the mutex closed.
 SingletonInstance *MakeInstance()
 {
+    Platform::StayLoaded();
     static SingletonInstance instance = {};
     instance.errorFileMutex = Platform::MakeMutex(nullptr);
     return instance.errorFileMutex ? &instance : nullptr;

@@ -77,7 +77,7 @@ void AddCommonOptions(CLI::App &command, Arguments &parsed)
         ->capture_default_str();
     command
         .add_option("--module", parsed.modulePath,
-                    "The module's file; without it the one beside this program or in ../lib")
+                    "The module's file; without it the one beside this program or in " BIOSCONFIG_LIBRARY_PLACE)
         ->envname("BIOSCONFIG_MODULE")
         ->type_name("FILE");
     command
@@ -117,11 +117,11 @@ void AddUpdateArgument(CLI::App &update, Arguments &parsed)
 
 std::string DefaultModulePath()
 {
-    const std::string beside =
-        Platform::ExecutableDirectory() + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
+    std::string beside = Platform::ExecutableDirectory() + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
     if (Platform::OpenStream(beside, "rb"))
         return beside;
-    return Platform::ExecutableDirectory() + "../lib/" + Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
+    return Platform::ExecutableDirectory() + BIOSCONFIG_LIBRARY_PLACE "/" +
+           Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
 }
 
 } // namespace
@@ -133,6 +133,7 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
                  "biosconfig");
     app.footer(Footer());
     app.set_version_flag("--version", "biosconfig " BIOSCONFIG_VERSION);
+    app.allow_windows_style_options(false); // a path may begin with "/"
     app.require_subcommand(1);
     CLI::App *const report = app.add_subcommand("report", "Makes a report and prints it");
     AddCommonOptions(*report, parsed);

@@ -29,7 +29,7 @@ std::string Describe(Status status)
 /// A bare file name would be looked for in the system's library directories.
 std::string FullPath(const std::string &path)
 {
-    return Platform::FromFilesystemPath(std::filesystem::absolute(Platform::ToFilesystemPath(path)));
+    return Platform::FromFilesystemPath(std::filesystem::absolute(Platform::ToFilesystemPath(path)).make_preferred());
 }
 
 ParameterMap Parameters(const std::string &toolDirectory)

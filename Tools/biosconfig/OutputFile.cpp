@@ -16,7 +16,8 @@ std::string LinkTarget(const std::string &path)
 {
     std::error_code error;
     const fs::path target = fs::canonical(Platform::ToFilesystemPath(path), error);
-    return error ? path : Platform::FromFilesystemPath(target);
+    const std::string text = Platform::FromFilesystemPath(target);
+    return error || Platform::ToFilesystemPath(text) != target ? path : text;
 }
 
 bool IsReplaceable(const std::string &path)
