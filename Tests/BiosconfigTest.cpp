@@ -12,17 +12,14 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using TestSupport::EnvironmentSetting;
-using TestSupport::Outcome;
-using TestSupport::ReadFile;
-using TestSupport::WriteFile;
+using namespace TestSupport;
 
 constexpr const char *kToolPlace =
     "Program Files/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary/";
 
 Outcome RunBiosconfig(const std::string &arguments)
 {
-    return TestSupport::RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
+    return RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
 }
 
 /// A report file's text as it was in the module's buffer.
@@ -54,8 +51,8 @@ protected:
 
     void TearDown() override { fs::current_path(fs::temp_directory_path()); }
 
-    TestSupport::TemporaryDirectory m_directory;
-    TestSupport::EnvironmentSetting m_programFiles{"BIOSCONFIG_PROGRAM_FILES", m_directory.Path("Program Files")};
+    TemporaryDirectory m_directory;
+    EnvironmentSetting m_programFiles{"BIOSCONFIG_PROGRAM_FILES", m_directory.Path("Program Files")};
 };
 
 TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
@@ -109,7 +106,7 @@ TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
 TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
 {
     const EnvironmentSetting programFiles("ProgramFiles", m_directory.Path("Program Files"));
-    const Outcome outcome = TestSupport::RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
+    const Outcome outcome = RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
     EXPECT_EQ(outcome.exitCode, 0U);
     EXPECT_EQ(outcome.messages, "BIOS Options: bios options\n");
     EXPECT_TRUE(outcome.output.ends_with(BufferOf("tools/ModuleData/bios options_UI_XML")));

@@ -9,10 +9,7 @@
 namespace
 {
 
-using TestSupport::ReadFile;
-using TestSupport::TemporaryDirectory;
-using TestSupport::TraceLog;
-using TestSupport::WriteFile;
+using namespace TestSupport;
 
 constexpr const char *kDeclaration = "<?xml version=\"1.0\"?>\n";
 

@@ -10,11 +10,7 @@ using Pieces = std::vector<std::string>;
 
 TEST(ModuleDataWriter, SanitizesTexts)
 {
-    const struct
-    {
-        std::string text;
-        std::string expected;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {"", ""},
         {"plain <&> \x7F", "plain <&> \x7F"},
         {"\t\n\r\x1F", "...."},

@@ -9,10 +9,7 @@
 namespace
 {
 
-using TestSupport::ReadFile;
-using TestSupport::TemporaryDirectory;
-using TestSupport::TraceLog;
-using TestSupport::WriteFile;
+using namespace TestSupport;
 
 struct FreeDocument
 {
@@ -107,11 +104,7 @@ TEST(XmlInterface, WalksChildrenOfEveryKind)
 
 TEST(XmlInterface, AddNodeResolvesReferencesAndTextNodesKeepEveryCharacter)
 {
-    const struct
-    {
-        std::string text;
-        const char *serialised;
-    } cases[] = {
+    const std::pair<std::string, const char *> cases[] = {
         {"A & B, R&D mode; on &amp; &#65; &", "A &amp; B, R&amp;D mode; on &amp;amp; &amp;#65; &amp;"},
         {"<a href=\"x\">'q'\t", "&lt;a href=\"x\"&gt;'q'\t"},
         {"\xC3\xA9 \xF0\x9F\x98\x80", "&#xE9; &#x1F600;"},
