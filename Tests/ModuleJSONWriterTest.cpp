@@ -12,30 +12,20 @@ Status CallAtRandom(ModuleDataWriter &writer, std::string &buffer, unsigned numb
     std::mt19937 random(number);
     const auto pick = [&random](std::initializer_list<const char *> texts)
     { return std::string(texts.begin()[random() % texts.size()]); };
-    switch (random() % 32)
-    {
-    case 0:
+    const auto chance = random() % 32;
+    if (chance == 0)
         return writer.UnInitialize();
-    case 1:
+    if (chance == 1)
         return writer.Initialize(pick({"M", "ACPI"}), pick({"", "", "D"}));
-    case 2:
-    case 3:
-    case 4:
+    if (chance < 5)
         return writer.CopyDataToBuffer(buffer);
-    default:
-        break;
-    }
-    switch (random() % 4)
-    {
-    case 0:
+    if (chance < 12)
         return writer.AddSubMod("S");
-    case 1:
+    if (chance < 19)
         return writer.AddTab("T", pick({"a,b", "a,", ""}));
-    case 2:
+    if (chance < 26)
         return writer.AddGroup(pick({"G", "PCI Dump", ""}));
-    default:
-        return writer.AddRow(pick({"\"A\"", "\"A\", \"B\", \"C\"", "x"}));
-    }
+    return writer.AddRow(pick({"\"A\"", "\"A\", \"B\", \"C\"", "x"}));
 }
 
 /// Whatever the order of the calls, moving parts of the document must not be seen from outside.
