@@ -1,7 +1,6 @@
 #include "BiosConfiguration.h"
 #include "ModuleSupport.h"
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -9,10 +8,7 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using TestSupport::Machine;
-using TestSupport::ReadFile;
-using TestSupport::TraceLog;
-using TestSupport::WriteFile;
+using namespace TestSupport;
 using Lines = std::vector<std::string>;
 
 constexpr const char *kDocument =
@@ -26,14 +22,7 @@ constexpr const char *kUnavailable =
 class BiosConfigurationTest : public testing::Test
 {
 protected:
-    Status InitModule()
-    {
-        std::vector<Cap *> caps;
-        const Status status = m_module.InitModule(caps, {{"toolxmlpath", m_machine.HostDirectory()}});
-        for (const Cap *cap : caps)
-            delete cap;
-        return status;
-    }
+    Status InitModule() { return TestSupport::InitModule(m_module, m_machine); }
 
     /// The groups of the UI XML report of a dump with these knobs.
     std::string Groups(const std::string &knobs)
@@ -118,11 +107,7 @@ TEST_F(BiosConfigurationTest, ShowsTheTextOfTheCurrentValue)
 {
     const std::string options = "<l><o text='Off' value='0x0'/><o text='On' value='0x1'/><o text='Also' value='1'/>"
                                 "<o text='Top' value='FFFFFFFF'/></l>";
-    const struct
-    {
-        const char *current;
-        const char *value;
-    } cases[] = {
+    const std::pair<const char *, const char *> cases[] = {
         {"0x1", "Also"}, {"2", ""},       {" \t+01 x", "Also"},   {"none", "Off"},       {"0x", "Off"},
         {"-1", "Top"},   {"-0x1", "Top"}, {"0x100000000", "Off"}, {"-fffffffff", "Off"}, {"0XffffFFFF", "Top"},
     };
@@ -194,7 +179,6 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
         std::string report;
     } cases[] = {
         {"exit:1", OutputKind::UiXml, initFailed, "Failed to initialise", noRows},
-        {"exit:3", OutputKind::UiXml, initFailed, "Failed to initialise", unavailable},
         {"crash", OutputKind::UiXmlAlternate, initFailed, "Failed to initialise", unavailable},
         {"savexml=exit:1", OutputKind::UiXml, readFailed, "Failed to readKnob", noRows},
         {"savexml=exit:2", OutputKind::UiXml, readFailed, "Failed to readKnob", unavailable},
@@ -218,15 +202,6 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
             Platform::ReadTextFile(m_machine.HostFile(noWriter ? "ModuleData/bios" : "ModuleData/bios_UI_XML"), file));
         EXPECT_EQ(file, noWriter ? "" : row.report) << row.fault;
     }
-}
-
-TEST_F(BiosConfigurationTest, GetDataNeedsNoReportFile)
-{
-    fs::remove(m_machine.HostFile("ModuleData"));
-    const std::string report = Groups("<k name='A'/>");
-    EXPECT_EQ(report, "<Group Name=\"Bios Options\"><Row>\"A\", \"\", \"NA\", \"NA\"</Row></Group>");
-    EXPECT_EQ(m_machine.Errors(), Lines());
-    EXPECT_FALSE(fs::exists(m_machine.HostFile("ModuleData")));
 }
 
 } // namespace

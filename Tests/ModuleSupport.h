@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BiosConfigModule.h"
 #include "DebugHandle.h"
 #include "Platform.h"
 #include "TestSupport.h"
@@ -80,6 +81,16 @@ private:
     EnvironmentSetting m_programFiles{"ProgramFiles", m_root.Path("Program Files \xE4")};
     std::deque<EnvironmentSetting> m_fault;
 };
+
+/// Initialises `module` with the machine's tool directory and drops the capabilities that it offers.
+inline Status InitModule(BaseModule &module, const Machine &machine)
+{
+    std::vector<Cap *> caps;
+    const Status status = module.InitModule(caps, {{"toolxmlpath", machine.HostDirectory()}});
+    for (const Cap *cap : caps)
+        delete cap;
+    return status;
+}
 
 /// Everything that one component traces while the object lives: level tags, function and message of each line, as
 /// " <--  Fn:readKnob readKnob\n".

@@ -34,9 +34,7 @@ TEST(OutOfMemory, EndsAReportWithAStatus)
     Machine &machine = Machine::Fresh();
     machine.UseDump(TestSupport::ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml"));
     BiosConfigModule module;
-    std::vector<Cap *> caps;
-    ASSERT_EQ(module.InitModule(caps, {{"toolxmlpath", machine.HostDirectory()}}), StatusCode::Success);
-    const std::unique_ptr<Cap> cap(caps.at(0));
+    ASSERT_EQ(TestSupport::InitModule(module, machine), StatusCode::Success);
     const OutputKind kind = OutputKind::UiXml;
     const std::string golden = TestSupport::ReadFile(TEST_DATA_DIRECTORY "SmallFirmware_UI_XML");
     std::string report;
