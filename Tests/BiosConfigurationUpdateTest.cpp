@@ -50,6 +50,7 @@ const UpdateCase kCases[] = {
     {"", "knobs", 5, kNotTried},
     {"", "t.ini.txt", 5, kNotTried},
     {"", "v1.2/t.ini", 5, kNotTried},
+    {"", "a\"b.ini", 5, kRefused},
     {"", "a\"b.txt", 5, kRefused},
     {"capabilities", "t.ini", 5, kNoModule},
     {"program", "t.ini", 5, kNotReady},
