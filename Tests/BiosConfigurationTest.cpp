@@ -204,4 +204,12 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
     }
 }
 
+TEST_F(BiosConfigurationTest, GetDataNeedsNoReportFile)
+{
+    fs::remove(m_machine.HostFile("ModuleData"));
+    EXPECT_EQ(Groups("<k name='A'/>"), "<Group Name=\"Bios Options\"><Row>\"A\", \"\", \"NA\", \"NA\"</Row></Group>");
+    EXPECT_EQ(m_machine.Errors(), Lines());
+    EXPECT_FALSE(fs::exists(m_machine.HostFile("ModuleData")));
+}
+
 } // namespace

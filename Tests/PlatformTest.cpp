@@ -38,6 +38,8 @@ TEST(RunCommand, GivesTheExitCodeOrTellsThatNothingStarted)
     fs::copy_file(FENRIKCMD_PROGRAM, Platform::ToFilesystemPath(program));
     const std::pair<const char *, std::uint32_t> cases[] = {
         {"exit:0", 0},
+        {"exit:1", 1},
+        {"exit:2", 2},
         {"exit:255", 255},
         {"exit:3221225477", 3221225477 & EXIT_CODE_MASK},
         {"crash", ABORT_EXIT_CODE},
