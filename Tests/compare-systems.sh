@@ -34,7 +34,7 @@ make_files() {
                 export FENRIKCMD_FAULT=exit:0
             fi
             "${launcher[@]}" "$bin/biosconfig$suffix" report --program-files "Program Files" --tool-dir tool \
-                --format "$format" -o "$number/report.$format" 2>/dev/null
+                --format "$format" -o "$number/report.$format" 2>"$work/messages" || cat "$work/messages" >&2
             mv all.log "$number/$format.log"
         done
         mv tool/ModuleData "$number/" && mkdir tool/ModuleData
