@@ -151,12 +151,6 @@ std::string StemOf(const std::string &path)
     return path.substr(begin, path.find('.') - begin);
 }
 
-/// Removes what an earlier template of that name has left. False when it is still there, for the tool to program.
-bool RemoveEarlier(const std::string &knobFile)
-{
-    return Platform::RemoveFile(knobFile);
-}
-
 } // namespace
 
 Status UpdateBiosSettings(std::string templatePath, std::string &message, ParameterMap params)
@@ -214,7 +208,8 @@ Status BiosConfigModule::ProgramTemplate(const std::string &templatePath)
     if (status != StatusCode::Success)
         return status;
     knobFile += StemOf(templatePath) + '.' + kKnobFileExtension;
-    if (!RemoveEarlier(knobFile))
+    // What an earlier template of that name has left must not be programmed in this one's place.
+    if (!Platform::RemoveFile(knobFile))
         return StatusCode::Failed;
     ParseBkcTemplate(templatePath, knobFile);
     return writeKnob(knobFile);
