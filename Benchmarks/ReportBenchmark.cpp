@@ -6,8 +6,10 @@
 #include "GeneratedDump.h"
 #include "HandWrittenReport.h"
 #include "HeapMeter.h"
-#include "ModuleDataWriter.h"
+#include "KnobDump.h"
 #include "Platform.h"
+#include "ReportFormat.h"
+#include "ToolProgram.h"
 #include "XMLReaderLib.h"
 
 #include <algorithm>

@@ -27,12 +27,13 @@ std::unique_ptr<std::FILE, CloseFile> NullFile()
 /// The call as it stands on the paths that run once per attribute.
 void DisabledTrace(benchmark::State &state)
 {
-    DebugHandle_t handle;
-    DebugHandle_t *global = &handle;
+    TraceSource source("DisabledTrace", "xmlInterface");
+    source.Open();
+    TraceSource *global = &source;
     for (auto _ : state)
     {
         benchmark::DoNotOptimize(global);
-        const FunctionTrace trace(global, "xmlInterface", kFunction);
+        const FunctionTrace trace(*global, kFunction);
         TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s", static_cast<void *>(global), "name");
     }
 }
@@ -66,14 +67,18 @@ void DisabledSpdlog(benchmark::State &state)
 void TraceToFile(benchmark::State &state, bool sync)
 {
     const auto file = NullFile();
-    DebugHandle_t handle;
-    handle.traceType = TRACE_ALL;
-    handle.outputType = OUTPUT_FILE;
-    handle.packageFile = file.get();
-    handle.syncPackageFile = sync;
-    const FunctionTrace trace(&handle, "xmlInterface", kFunction);
+    TraceSource source("TraceToFile", "xmlInterface");
+    source.Open();
+    DebugHandle_t *handle = nullptr;
+    InitDebugHandle("TraceToFile", &handle);
+    handle->traceType = TRACE_ALL;
+    handle->outputType = OUTPUT_FILE;
+    handle->packageFile = file.get();
+    handle->syncPackageFile = sync;
+    const FunctionTrace trace(source, kFunction);
     for (auto _ : state)
-        TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s", static_cast<void *>(&handle), "name");
+        TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s", static_cast<void *>(handle), "name");
+    UnInitDebugHandle(handle);
 }
 
 void FprintfToFile(benchmark::State &state, bool sync)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 /// The format of a report. One byte; the two kinds of a pair give the same document. Values above UiJson have no
@@ -17,3 +18,6 @@ enum class OutputKind : std::uint8_t
     LogJson = 8,
     UiJson = 9
 };
+
+/// How many kinds have a format: those from 0 on.
+constexpr std::size_t kOutputKindCount = 10;

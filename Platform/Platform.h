@@ -128,7 +128,11 @@ StreamOwner OpenStream(const std::string &path, const char *mode);
 /// the file cannot be opened or read; `text` is then unchanged.
 bool ReadTextFile(const std::string &path, std::string &text);
 
-/// A text file being written: every line feed goes out as carriage return and line feed.
+/// Writes `text` to a binary stream; every line feed goes out as carriage return and line feed. Returns false when not
+/// everything could be written.
+bool WriteText(std::FILE *stream, std::string_view text);
+
+/// A text file being written, as WriteText writes.
 class TextFileWriter
 {
 public:
@@ -139,9 +143,6 @@ public:
 
     /// Returns false when nothing is open or not everything could be written.
     bool Write(std::string_view text);
-
-    /// Hands what was written to the system.
-    bool Flush();
 
     /// Closes the file; false when what was still buffered could not be written.
     bool Close();

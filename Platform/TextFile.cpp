@@ -84,28 +84,26 @@ bool TextFileWriter::Open(const std::string &path)
     return IsOpen();
 }
 
-bool TextFileWriter::Write(std::string_view text)
+bool WriteText(std::FILE *stream, std::string_view text)
 {
-    if (!m_stream)
-        return false;
     while (!text.empty())
     {
         const std::size_t lineLength = std::min(text.find('\n'), text.size());
-        if (std::fwrite(text.data(), 1, lineLength, m_stream.get()) != lineLength)
+        if (std::fwrite(text.data(), 1, lineLength, stream) != lineLength)
             return false;
         text.remove_prefix(lineLength);
         if (text.empty())
             break;
-        if (std::fputs("\r\n", m_stream.get()) < 0)
+        if (std::fputs("\r\n", stream) < 0)
             return false;
         text.remove_prefix(1);
     }
     return true;
 }
 
-bool TextFileWriter::Flush()
+bool TextFileWriter::Write(std::string_view text)
 {
-    return m_stream && std::fflush(m_stream.get()) == 0;
+    return m_stream && WriteText(m_stream.get(), text);
 }
 
 bool TextFileWriter::Close()

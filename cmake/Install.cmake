@@ -12,10 +12,7 @@ else()
 endif()
 set(package_place ${CMAKE_INSTALL_LIBDIR}/cmake/BiosConfigModule)
 
-# What a host compiles against; it loads the module itself at run time.
-add_library(Headers INTERFACE)
 target_include_directories(Headers INTERFACE $<INSTALL_INTERFACE:${header_place}>)
-target_compile_features(Headers INTERFACE cxx_std_17)
 
 install(TARGETS Headers BiosConfigModule SingletonManager biosconfig EXPORT BiosConfigModule)
 install(TARGETS FenrikCmd DESTINATION ${stand_in_place})

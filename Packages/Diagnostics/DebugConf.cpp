@@ -1,6 +1,7 @@
 #include "DebugConf.h"
 
 #include "Container.h"
+#include "ExceptionBarrier.h"
 #include "FindElement.h"
 
 #include <algorithm>
@@ -241,14 +242,7 @@ Status DebugConfiguration::Apply(DebugHandle_t &handle)
 {
     if (m_state != State::Read)
         return StatusCode::Success;
-    try
-    {
-        return ApplyRecords(handle);
-    }
-    catch (const std::bad_alloc &)
-    {
-        return StatusCode::NoMemory;
-    }
+    return WithoutExceptions([&] { return ApplyRecords(handle); });
 }
 
 Status DebugConfiguration::ApplyRecords(DebugHandle_t &handle)

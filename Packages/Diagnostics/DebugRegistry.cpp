@@ -52,15 +52,15 @@ struct Registry
 
 /// Never destroyed: a host may destroy its module object when the static objects of the module are gone already, and
 /// the last release empties the registry anyway.
-union Everlasting
+union NoDestructor
 {
-    constexpr Everlasting() : registry() {}
-    ~Everlasting() {}
+    constexpr NoDestructor() : registry() {}
+    ~NoDestructor() {}
 
     Registry registry;
 };
 
-constinit Everlasting everlasting;
+constinit NoDestructor everlasting;
 Registry &registry = everlasting.registry;
 
 std::int32_t CompareNames(const void *first, const void *second)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DebugHandle.h"
+#include "TraceSource.h"
 
 #include <source_location>
 
@@ -39,14 +39,14 @@ class FunctionTrace
 {
 public:
     /// Without an entry text: the function writes its lines with TRACE.
-    FunctionTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName)
-        : m_handle(handle), m_sourceFile(sourceFile), m_functionName(functionName), m_left(true)
+    FunctionTrace(const TraceSource &source, const char *functionName)
+        : m_handle(source.Handle()), m_sourceFile(source.SourceFile()), m_functionName(functionName), m_left(true)
     {
     }
 
     /// Writes the entry line; `entry` is also the exit line's text where Done is given none.
-    FunctionTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName, TraceText entry)
-        : m_handle(handle), m_sourceFile(sourceFile), m_functionName(functionName), m_exitText(entry)
+    FunctionTrace(const TraceSource &source, const char *functionName, TraceText entry)
+        : m_handle(source.Handle()), m_sourceFile(source.SourceFile()), m_functionName(functionName), m_exitText(entry)
     {
         Text(TRACE_ENTRY, entry);
     }

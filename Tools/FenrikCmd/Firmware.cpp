@@ -2,8 +2,8 @@
 
 #include "KnobImage.h"
 #include "Platform.h"
-#include "ReplacedFile.h"
 #include "ToolError.h"
+#include "WholeFile.h"
 
 #include <cerrno>
 #include <nlohmann/json.hpp>
@@ -113,7 +113,6 @@ void SaveFirmware(const Firmware &firmware, const std::string &path)
                                          {"interfaceEnabled", firmware.interfaceEnabled},
                                          {"current", firmware.current},
                                          {"pending", firmware.pending}};
-    ReplacedFile file(path);
-    file.Write(json.dump(4) + "\n");
-    file.Commit();
+    const std::string text = json.dump(4) + "\n";
+    WriteWholeFile(path, [&text](std::FILE *stream) { return Platform::WriteText(stream, text); });
 }

@@ -2,8 +2,7 @@
 
 #include "Dump.h"
 #include "Platform.h"
-#include "ReplacedFile.h"
-#include "ToolError.h"
+#include "WholeFile.h"
 
 namespace
 {
@@ -13,7 +12,7 @@ constexpr const char *kWrongRootName = "FIRMWARE";
 /// Enough options for more than 100 MB.
 constexpr std::uint32_t kBigKnobCount = 100'000;
 
-bool WriteHalf(const Firmware &firmware, ReplacedFile &file)
+bool WriteHalf(const Firmware &firmware, std::FILE *stream)
 {
     std::string dump;
     const auto toMemory = [&dump](std::string_view piece)
@@ -21,18 +20,19 @@ bool WriteHalf(const Firmware &firmware, ReplacedFile &file)
         dump += piece;
         return true;
     };
-    return WriteDump(firmware, kRootName, toMemory) && file.Write(std::string_view(dump).substr(0, dump.size() / 2));
+    return WriteDump(firmware, kRootName, toMemory) &&
+           Platform::WriteText(stream, std::string_view(dump).substr(0, dump.size() / 2));
 }
 
-bool WriteContent(const Firmware &firmware, FaultKind fault, ReplacedFile &file)
+bool WriteContent(const Firmware &firmware, FaultKind fault, std::FILE *stream)
 {
-    const auto toFile = [&file](std::string_view piece) { return file.Write(piece); };
+    const auto toFile = [stream](std::string_view piece) { return Platform::WriteText(stream, piece); };
     switch (fault)
     {
     case FaultKind::EmptyDump:
         return true;
     case FaultKind::HalfDump:
-        return WriteHalf(firmware, file);
+        return WriteHalf(firmware, stream);
     case FaultKind::WrongRoot:
         return WriteDump(firmware, kWrongRootName, toFile);
     case FaultKind::BigDump:
@@ -51,8 +51,5 @@ void SaveXml(const Firmware &firmware, const std::string &path, FaultKind fault)
         Platform::RemoveFile(path);
         return;
     }
-    ReplacedFile file(path);
-    if (!WriteContent(firmware, fault, file))
-        throw ToolError(ExitCode::CannotWrite, "cannot write the dump \"" + path + "\"");
-    file.Commit();
+    WriteWholeFile(path, [&](std::FILE *stream) { return WriteContent(firmware, fault, stream); });
 }

@@ -20,6 +20,7 @@ struct Format
 constexpr Format kFormats[] = {{"ui-xml", OutputKind::UiXml},     {"log-xml", OutputKind::LogXml},
                                {"log-html", OutputKind::LogHtml}, {"log-html-xml", OutputKind::LogHtmlXml},
                                {"log-json", OutputKind::LogJson}, {"ui-json", OutputKind::UiJson}};
+static_assert(kOutputKindCount == 10, "a new kind of report wants a name here");
 
 constexpr const char *kEnvironmentHelp = R"(
 The module runs an external tool that it finds through the environment variable ProgramFiles, or through

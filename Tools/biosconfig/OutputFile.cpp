@@ -28,11 +28,11 @@ bool IsReplaceable(const std::string &path)
 }
 
 /// Two runs at one time do not get the same name.
-std::string TemporaryPath(const std::string &path)
+std::string TemporaryEnding()
 {
     std::uint64_t milliseconds = 0;
     Platform::MonotonicMilliseconds(milliseconds);
-    return path + "." + std::to_string(milliseconds) + ".tmp";
+    return "." + std::to_string(milliseconds) + ".tmp";
 }
 
 void WriteAll(std::FILE *stream, std::string_view data, const std::string &name)
@@ -48,18 +48,13 @@ OutputFile::OutputFile(const std::string &path)
     if (path == "-")
         return;
     m_path = LinkTarget(path);
+    bool isOpen = false;
     if (IsReplaceable(m_path))
-        m_temporaryPath = TemporaryPath(m_path);
-    m_stream = Platform::OpenStream(m_temporaryPath.empty() ? m_path : m_temporaryPath, "wb");
-    if (!m_stream)
+        isOpen = m_replaced.emplace(m_path, TemporaryEnding()).Open();
+    else
+        isOpen = (m_direct = Platform::OpenStream(m_path, "wb")) != nullptr;
+    if (!isOpen)
         throw Failure(ExitCode::NotWritten, "cannot write the output file " + path);
-}
-
-OutputFile::~OutputFile()
-{
-    m_stream.reset();
-    if (!m_temporaryPath.empty())
-        Platform::RemoveFile(m_temporaryPath);
 }
 
 void OutputFile::Write(std::string_view data)
@@ -70,11 +65,7 @@ void OutputFile::Write(std::string_view data)
         WriteAll(stdout, data, "standard output");
         return;
     }
-    WriteAll(m_stream.get(), data, m_path);
-    m_stream.reset();
-    if (m_temporaryPath.empty())
-        return;
-    if (!Platform::RenameOver(m_temporaryPath, m_path))
+    WriteAll(m_replaced ? m_replaced->Stream() : m_direct.get(), data, m_path);
+    if (m_replaced && !m_replaced->Commit())
         throw Failure(ExitCode::NotWritten, "cannot replace the output file " + m_path);
-    m_temporaryPath.clear();
 }

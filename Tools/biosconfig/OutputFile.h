@@ -1,7 +1,8 @@
 #pragma once
 
-#include "Platform.h"
+#include "ReplacedFile.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,10 +14,6 @@ class OutputFile
 public:
     /// Throws Failure when `path` cannot be written.
     explicit OutputFile(const std::string &path);
-    /// Removes what was not put in place.
-    ~OutputFile();
-    OutputFile(const OutputFile &) = delete;
-    OutputFile &operator=(const OutputFile &) = delete;
 
     bool IsStandardOutput() const { return m_path.empty(); }
 
@@ -25,7 +22,7 @@ public:
 
 private:
     std::string m_path;
-    /// Empty when the output is written directly.
-    std::string m_temporaryPath;
-    Platform::StreamOwner m_stream;
+    /// One of the two, but for standard output.
+    std::optional<Platform::ReplacedFile> m_replaced;
+    Platform::StreamOwner m_direct;
 };

@@ -15,9 +15,6 @@
 namespace
 {
 
-/// What the module records when no writer for the kind can be had.
-constexpr const char *kNoWriterMessage = "Could not Allocate Memory";
-
 void Tell(const std::string &message)
 {
     std::fprintf(stderr, "biosconfig: %s\n", message.c_str());
@@ -120,12 +117,9 @@ void ShowErrors(const std::string &errorFile, const std::vector<RecordedError> &
 /// Whether the module could make the report, from what is there of it and the errors recorded meanwhile.
 ExitCode JudgeReport(const Arguments &arguments, const std::string &report, const std::vector<RecordedError> &errors)
 {
-    const bool noWriter = std::any_of(errors.begin(), errors.end(),
-                                      [](const RecordedError &error) { return error.message == kNoWriterMessage; });
     std::string programFiles;
     if (report.empty())
-        Tell(noWriter ? "this module gives no report of that kind: " + arguments.formatName
-                      : "the module made no report");
+        Tell("the module made no report of the kind " + arguments.formatName);
     else if (!errors.empty() && !Platform::ReadEnvironmentVariable("ProgramFiles", programFiles))
         Tell("the environment variable ProgramFiles, which locates the external tool, is not set");
     return report.empty() || !errors.empty() ? ExitCode::NotDone : ExitCode::Success;

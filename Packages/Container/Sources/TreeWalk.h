@@ -11,12 +11,6 @@ using TreeSide_t = std::size_t;
 constexpr TreeSide_t kLeft = 0;
 constexpr TreeSide_t kRight = 1;
 
-/// Where data with the comparison result `order` goes below a node: equal data goes to the right.
-constexpr TreeSide_t SideFor(std::int32_t order)
-{
-    return order < 0 ? kLeft : kRight;
-}
-
 /// More levels than a balanced tree in memory can have.
 constexpr std::size_t kMaxTreeLevels = 99;
 

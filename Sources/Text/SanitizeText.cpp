@@ -1,0 +1,55 @@
+#include "SanitizeText.h"
+
+#include "Platform.h"
+#include "PrintableAscii.h"
+
+#include <algorithm>
+
+namespace
+{
+
+void AppendUnit(std::string &text, char16_t unit)
+{
+    const auto append = [&text](unsigned byte) { text += static_cast<char>(byte); };
+    if (unit < 0x80)
+    {
+        append(unit);
+        return;
+    }
+    if (unit < 0x800)
+        append(0xC0U | (unit >> 6U));
+    else
+    {
+        append(0xE0U | (unit >> 12U));
+        append(0x80U | ((unit >> 6U) & 0x3FU));
+    }
+    append(0x80U | (unit & 0x3FU));
+}
+
+bool IsControl(char16_t unit)
+{
+    return unit >= 1 && unit <= 31;
+}
+
+} // namespace
+
+std::string SanitizeText(std::string text)
+{
+    if (IsPrintableAscii(text))
+        return text;
+    std::string result;
+    result.reserve(text.size());
+    // Pieces between plain characters can be decoded one by one: no sequence, well-formed or not, reaches across one.
+    auto position = text.cbegin();
+    while (position != text.cend())
+    {
+        const auto plain = position;
+        position = std::find_if_not(plain, text.cend(), IsPrintableAsciiCharacter);
+        const auto other = position;
+        position = std::find_if(other, text.cend(), IsPrintableAsciiCharacter);
+        result.append(plain, other);
+        for (const char16_t unit : Platform::Utf8ToUtf16({other, position}))
+            AppendUnit(result, IsControl(unit) ? u'.' : unit);
+    }
+    return result;
+}

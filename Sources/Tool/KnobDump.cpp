@@ -1,0 +1,272 @@
+#include "KnobDump.h"
+
+#include "KnobFile.h"
+#include "Platform.h"
+#include "ToolProgram.h"
+#include "TracedBarrier.h"
+#include "xmlInterface.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace
+{
+
+constexpr const char *kDumpFile = "FenrikOutput.xml";
+
+/// The tool's own entry for its security device; not a BIOS option.
+constexpr const char *kHiddenKnob = "TpmDevice";
+constexpr const char *kNotAvailable = "NA";
+
+struct KnobAttribute
+{
+    const char *name;
+    KnobDetails::Text KnobDetails::*field;
+};
+
+constexpr KnobAttribute knobAttributeNames[] = {
+    {"type", &KnobDetails::type},
+    {"setupType", &KnobDetails::setupType},
+    {"name", &KnobDetails::name},
+    {"varstoreIndex", &KnobDetails::varstoreIndex},
+    {"prompt", &KnobDetails::prompt},
+    {"description", &KnobDetails::description},
+    {"UqiVal", &KnobDetails::UqiVal},
+    {"size", &KnobDetails::size},
+    {"offset", &KnobDetails::offset},
+    {"depex", &KnobDetails::depex},
+    {"SetupPgPtr", &KnobDetails::SetupPgPtr},
+    {"default", &KnobDetails::defaultValue},
+    {"CurrentVal", &KnobDetails::CurrentVal},
+};
+
+bool HasName(xmlNodePtr node, const char *wanted)
+{
+    const char *const name = CCXmlGetNodeElementName(node);
+    return name && std::strcmp(name, wanted) == 0;
+}
+
+const char *FindOrEnd(const char *begin, const char *end, char wanted)
+{
+    const void *const found = std::memchr(begin, wanted, static_cast<std::size_t>(end - begin));
+    return found ? static_cast<const char *>(found) : end;
+}
+
+/// Removes every line feed and tab, in place. Moves whole pieces: most lines hold no tab behind their indentation.
+void RemoveLineFeedsAndTabs(std::string &text)
+{
+    char *out = text.data();
+    const char *in = out;
+    const char *const end = in + text.size();
+    const char *lineEnd = in;
+    while (in != end)
+    {
+        if (*in == '\n' || *in == '\t')
+        {
+            ++in;
+            continue;
+        }
+        if (lineEnd <= in)
+            lineEnd = FindOrEnd(in, end, '\n');
+        const char *const pieceEnd = FindOrEnd(in, lineEnd, '\t');
+        const auto length = static_cast<std::size_t>(pieceEnd - in);
+        std::memmove(out, in, length);
+        out += length;
+        in = pieceEnd;
+    }
+    text.resize(static_cast<std::size_t>(out - text.data()));
+}
+
+/// The tool's dump without line feeds and tabs, which carry no meaning, also inside attribute values.
+std::string ReadDump()
+{
+    std::string text;
+    Platform::ReadTextFile(toolDirectory + kDumpFile, text);
+    RemoveLineFeedsAndTabs(text);
+    CCXmlPadBuffer(text);
+    return text;
+}
+
+/// Parses the dump; its text is gone again when the tree is walked.
+CCXmlDocumentOwner ParseDump()
+{
+    const std::string text = ReadDump();
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+        return nullptr;
+    return CCXmlDocumentOwner(CCXmlParseXMLBuffer(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+/// Reads the attributes; false when the node is not to be taken for a knob.
+bool ReadAttributes(xmlNodePtr knobNode, KnobDetails &record)
+{
+    for (const KnobAttribute &attribute : knobAttributeNames)
+    {
+        const CCXmlValueOwner value(CCXmlGetAttributeValue(knobNode, attribute.name));
+        const bool isName = attribute.field == &KnobDetails::name;
+        if (isName && (!value || std::strcmp(value.get(), kHiddenKnob) == 0))
+            return false;
+        if (value)
+            record.*attribute.field = value.get();
+    }
+    return true;
+}
+
+/// Takes an attribute that is there and not empty; otherwise `held` keeps what an earlier option gave.
+void HoldAttribute(xmlNodePtr option, const char *attributeName, std::string &held)
+{
+    const CCXmlValueOwner value(CCXmlGetAttributeValue(option, attributeName));
+    if (value && *value)
+        held = value.get();
+}
+
+void ReadOptions(xmlNodePtr knobNode, std::pmr::map<KnobDetails::Text, KnobDetails::Text> &options)
+{
+    const xmlNodePtr list = CCXmlGetNextNodeChild(knobNode, nullptr);
+    std::string text;
+    std::string value;
+    for (xmlNodePtr option = CCXmlGetNextNodeChild(list, nullptr); option; option = CCXmlGetNextNodeChild(list, option))
+    {
+        HoldAttribute(option, "text", text);
+        HoldAttribute(option, "value", value);
+        if (!text.empty() && !value.empty())
+            options.emplace(text, value);
+    }
+}
+
+xmlNodePtr FindKnobs(xmlNodePtr root)
+{
+    xmlNodePtr child = CCXmlGetNextNodeChild(root, nullptr);
+    while (child && !HasName(child, "biosknobs"))
+        child = CCXmlGetNextNodeChild(root, child);
+    return child;
+}
+
+/// Takes a node of the dump for a knob, if it is one.
+void CollectKnob(xmlNodePtr node, KnobList &knobs)
+{
+    if (HasName(node, "comment"))
+        return;
+    const Status status = getknobDetails(node, knobs.Append());
+    if (status == StatusCode::NoMemory)
+        throw std::bad_alloc();
+    if (status != StatusCode::Success)
+        knobs.RemoveLast();
+}
+
+/// Turns the dump's knobs into records. Each knob's part of the tree is freed as soon as it has been read, while it is
+/// still in the cache.
+KnobList CollectKnobs(xmlNodePtr knobsNode)
+{
+    KnobList knobs;
+    xmlNodePtr node = CCXmlGetNextNodeChild(knobsNode, nullptr);
+    while (node)
+    {
+        CollectKnob(node, knobs);
+        const xmlNodePtr next = CCXmlGetNextNodeChild(knobsNode, node);
+        CCXmlFreeNode(node);
+        node = next;
+    }
+    return knobs;
+}
+
+/// Appends the first knob of each name, in the order of the names.
+void AppendNamedKnobs(const KnobList &all, const std::vector<std::string> &names, KnobList &knobs)
+{
+    const KnobIndex firstOfName = all.FirstOfName();
+    for (const std::string &name : names)
+    {
+        const auto found = firstOfName.find(name);
+        if (found != firstOfName.end())
+            knobs.Append(*found->second);
+    }
+}
+
+Status ReadListFile(const std::string &listFile, std::vector<std::string> &names, FunctionTrace &trace)
+{
+    if (!HasIniExtension(listFile))
+        return trace.Fail(StatusCode::Failed, "ReadKnob - failed , Improper file format provided \n");
+    const Status status = readKnobNames(names, listFile);
+    if (status != StatusCode::Success)
+        return status;
+    if (names.empty())
+        return trace.Fail(StatusCode::Failed, "ReadKnob - failed , Improper file- No Knobs found in file \n");
+    return StatusCode::Success;
+}
+
+/// Finds the dump's root element and judges it.
+Status CheckRoot(xmlDocPtr document, xmlNodePtr &root, FunctionTrace &trace)
+{
+    root = CCXmlGetRootElement(document);
+    if (!root)
+        return trace.Fail(StatusCode::Failed, "readKnob - CCXmlGetRootElement return value is NULL\n");
+    const char *const name = CCXmlGetNodeElementName(root);
+    if (!name)
+        return trace.Fail(StatusCode::Failed, "readKnob - CCXmlGetNodeElementName return value is NULL\n");
+    if (std::strcmp(name, "SYSTEM") != 0)
+        return trace.Fail(StatusCode::Failed, "readKnob - Improper file provided\n");
+    return StatusCode::Success;
+}
+
+Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::vector<std::string> &names,
+                       FunctionTrace &trace)
+{
+    const CCXmlBracket bracket;
+    const CCXmlDocumentOwner document = ParseDump();
+    if (!document)
+        return trace.Fail(StatusCode::Failed, "readKnob - Doc Pointer is NULL\n");
+    xmlNodePtr root = nullptr;
+    Status status = CheckRoot(document.get(), root, trace);
+    if (status != StatusCode::Success)
+        return status;
+    KnobList all = CollectKnobs(FindKnobs(root));
+    if (all.IsEmpty())
+    {
+        trace.Error("no knobs found\n");
+        status = StatusCode::Failed;
+    }
+    if (listFile.empty())
+        knobs.Swap(all);
+    else
+        AppendNamedKnobs(all, names, knobs);
+    return status;
+}
+
+Status ReadKnobs(KnobList &knobs, const std::string &listFile, FunctionTrace &trace)
+{
+    Status status = Exec(ToolCommand("savexml", toolDirectory + kDumpFile));
+    if (status != StatusCode::Success)
+        return trace.Fail(status, "readKnob - failed to execute the command \n");
+    std::vector<std::string> names;
+    if (!listFile.empty())
+        status = ReadListFile(listFile, names, trace);
+    if (status != StatusCode::Success)
+        return status;
+    return ReadDumpedKnobs(knobs, listFile, names, trace);
+}
+
+} // namespace
+
+Status readKnob(KnobList &knobs, const std::string &listFile)
+{
+    FunctionTrace trace(knobLibraryTrace, "readKnob", "readKnob\n");
+    return trace.Done(WithoutExceptions(trace, [&] { return ReadKnobs(knobs, listFile, trace); }));
+}
+
+Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record)
+{
+    FunctionTrace trace(knobLibraryTrace, "getknobDetails", "getknobDetails\n");
+    return WithoutExceptions(trace,
+                             [&]
+                             {
+                                 record.prompt = kNotAvailable;
+                                 record.description = kNotAvailable;
+                                 if (!ReadAttributes(knobNode, record))
+                                     return trace.LeaveUntraced(StatusCode::Failed);
+                                 if (!record.CurrentVal.empty())
+                                     ReadOptions(knobNode, record.options);
+                                 return trace.Done(StatusCode::Success);
+                             });
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "StatusCode.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+/// The module's only way to libxml2. Documents and nodes are libxml2's own and pass through as opaque pointers; a node
+/// belongs to its document. Texts are zero-terminated UTF-8; file names are path texts of the platform edge. The layer
+/// is used from one thread at a time. libxml2's messages are swallowed, and its error handlers are left as they were.
+
+struct _xmlDoc;
+struct _xmlNode;
+using xmlDocPtr = _xmlDoc *;
+using xmlNodePtr = _xmlNode *;
+
+/// Opens a bracket of XML work: the first opens the layer's trace handle "XMLParser". Always Success. Every operation
+/// also works outside brackets, without trace lines.
+Status CCInitializeXMLParser();
+
+/// Closes a bracket; the last one releases the trace handle. Always Success.
+Status CCDeInitializeXMLParser();
+
+/// A bracket of XML work that is open while the object lives.
+class CCXmlBracket
+{
+public:
+    CCXmlBracket() { CCInitializeXMLParser(); }
+    ~CCXmlBracket() { CCDeInitializeXMLParser(); }
+    CCXmlBracket(const CCXmlBracket &) = delete;
+    CCXmlBracket &operator=(const CCXmlBracket &) = delete;
+};
+
+/// Parses the file (xmlReadFile, strict). The caller owns the document (CCXmlFreeDocPtr); null when there is none.
+xmlDocPtr CCXmlParseXMLfile(const char *fileName);
+
+/// Parses `size` bytes in recovery mode (xmlRecoverMemory): damaged text gives the tree that could be built. The caller
+/// owns the document; null when nothing could be built.
+xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size);
+
+/// Puts blanks behind a text of more than 10 MB that is to be parsed. libxml2 gives up a long text when it comes near
+/// its end, and would lose the last element; blanks behind the root element are lost instead. May throw std::bad_alloc.
+void CCXmlPadBuffer(std::string &buffer);
+
+/// Makes an empty document (xmlNewDoc); a null version stands for "1.0". The caller owns it; null without memory.
+xmlDocPtr CCXmlCreateDoc(const char *version);
+
+/// Frees a document and all its nodes (xmlFreeDoc). Returns Success, or Failed for null.
+Status CCXmlFreeDocPtr(xmlDocPtr document);
+
+/// The owner of a document.
+struct CCXmlFreeDocument
+{
+    void operator()(xmlDocPtr document) const { CCXmlFreeDocPtr(document); }
+};
+using CCXmlDocumentOwner = std::unique_ptr<_xmlDoc, CCXmlFreeDocument>;
+
+/// The root element (xmlDocGetRootElement), or null, also for a null document.
+xmlNodePtr CCXmlGetRootElement(xmlDocPtr document);
+
+/// Makes the free-standing `root` the root element (xmlDocSetRootElement) and returns it; null when either is null.
+xmlNodePtr CCXmlSetRootElement(xmlDocPtr document, xmlNodePtr root);
+
+/// The node's own name, which lives as long as the node; null for a null node or one without a name. Text nodes are
+/// named "text", comments "comment".
+const char *CCXmlGetNodeElementName(xmlNodePtr node);
+
+/// Walks children of every kind in document order: the first child of `parent` for a null `sibling`, otherwise the
+/// node behind `sibling`. Null at the end and for a null parent.
+xmlNodePtr CCXmlGetNextNodeChild(xmlNodePtr parent, xmlNodePtr sibling);
+
+/// Appends the element `name` with the text `content` (may be null) as the last child of `parent`; without a parent the
+/// element stands free until it is made a root. Returns the element, or null when `name` is null or memory runs out.
+/// Entity references in `content` are resolved, as xmlNodeSetContent does. xmlNewNode, xmlAddChild.
+xmlNodePtr CCXmlAddNode(xmlNodePtr parent, const char *name, const char *content);
+
+/// Serialises the document without indentation (xmlDocDumpMemory) into a zero-terminated block of the C heap, which the
+/// caller gives back with free, and stores its length without the terminator. Returns Success, or Missing when the
+/// document or `memory` is null or memory runs out.
+Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size);
+
+/// Saves the document to a file (as xmlSaveFile does). The file is written beside its final place and then renamed, so
+/// that an earlier one stays whole until the new one is; where that cannot be done it is written directly. Returns
+/// Success, or Failed when an argument is null or the file cannot be written.
+Status CCXmlSave(const char *fileName, xmlDocPtr document);
+
+/// Takes a node out of its document and frees it with everything below it (xmlUnlinkNode, xmlFreeNode), for a reader
+/// that is done with it: what was just read costs least to free. Null is ignored. Writes no trace lines.
+void CCXmlFreeNode(xmlNodePtr node);
+
+/// The value of an attribute (xmlGetProp) as a fresh copy, which the caller gives back with CCXmlFreeValue; null when
+/// the node has no such attribute or an argument is null.
+char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName);
+
+/// Gives back a value of CCXmlGetAttributeValue (xmlFree).
+struct CCXmlFreeValue
+{
+    void operator()(char *value) const;
+};
+using CCXmlValueOwner = std::unique_ptr<char, CCXmlFreeValue>;
+
+/// Creates an attribute or replaces its value (xmlSetProp). Does nothing when an argument is null.
+void CCXmlSetAttributeValue(xmlNodePtr node, const char *attributeName, const char *value);
+
+/// CCXmlAddNode and CCXmlSetAttributeValue for texts from outside: the document holds `text` character for character,
+/// "&" included. Two surrogates encoded one by one become the character they stand for; what no XML document can hold
+/// (ill-formed bytes, control characters but tab and line ends) becomes U+FFFD. Without a parent no element is made.
+/// May throw std::bad_alloc.
+xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string text);
+void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text);
