@@ -5,9 +5,8 @@
 #include "Container.h"
 #include "Platform.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <chrono>
 #include <list>
 #include <numeric>

@@ -1,5 +1,4 @@
 #include "BiosConfiguration.h"
-
 #include "FailureReport.h"
 #include "KnobDump.h"
 #include "Platform.h"

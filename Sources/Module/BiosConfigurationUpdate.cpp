@@ -1,5 +1,4 @@
 #include "BiosConfiguration.h"
-
 #include "ExceptionBarrier.h"
 #include "FailureReport.h"
 #include "KnobFile.h"

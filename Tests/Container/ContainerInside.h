@@ -5,9 +5,8 @@
 #include "LinkedLists.h"
 #include "RBTree.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <vector>
 
 constexpr std::uint32_t kKinds[] = {CONTAINER_LIST, CONTAINER_SORTED_LIST, CONTAINER_RB_TREE, CONTAINER_AVL_TREE};

@@ -1,11 +1,10 @@
 #include "ContainerInside.h"
 #include "FailingAllocation.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <deque>
+#include <gtest/gtest.h>
 #include <numeric>
 #include <random>
 #include <string>

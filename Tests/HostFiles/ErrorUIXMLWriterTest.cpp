@@ -1,4 +1,5 @@
 #include "ErrorUIXMLWriter.h"
+
 #include "ErrorFile.h"
 #include "ModuleSupport.h"
 #include "SingletonManager.h"

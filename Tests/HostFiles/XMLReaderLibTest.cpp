@@ -1,4 +1,5 @@
 #include "XMLReaderLib.h"
+
 #include "ModuleSupport.h"
 
 #include <gtest/gtest.h>

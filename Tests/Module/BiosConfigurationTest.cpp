@@ -1,4 +1,5 @@
 #include "BiosConfiguration.h"
+
 #include "ModuleSupport.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "Platform.h"
+
 #include "CommandLine.h"
 #include "FilesystemPath.h"
 #include "TestSupport.h"

@@ -2,10 +2,9 @@
 #include "RunProgram.h"
 #include "TestSupport.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <string>
 
 namespace

@@ -1,4 +1,5 @@
 #include "xmlInterface.h"
+
 #include "ModuleSupport.h"
 
 #include <cstdlib>

@@ -4,7 +4,6 @@
 #include "Platform.h"
 
 #include <CLI/CLI.hpp>
-
 #include <string_view>
 #include <vector>
 

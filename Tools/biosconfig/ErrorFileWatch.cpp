@@ -2,10 +2,9 @@
 
 #include "Platform.h"
 
+#include <algorithm>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
-
-#include <algorithm>
 #include <memory>
 #include <string_view>
 #include <utility>
