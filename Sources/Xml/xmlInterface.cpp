@@ -98,40 +98,71 @@ char *MoveToCHeap(xmlChar *block, std::size_t size)
     return copy;
 }
 
-/// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
-bool WriteInPlace(const std::string &fileName, xmlDocPtr document)
+/// A file that libxml2 reads.
+struct Source
 {
-    Platform::StreamOwner stream = Platform::OpenStream(fileName, "wb");
-    if (!stream || xmlDocDump(stream.get(), document) == -1)
-        return false;
-    return std::fclose(stream.release()) == 0;
+    std::FILE *stream;
+    bool failed = false;
+};
+
+int ReadSource(void *context, char *bytes, int size)
+{
+    auto &source = *static_cast<Source *>(context);
+    const std::size_t count = std::fread(bytes, 1, static_cast<std::size_t>(size), source.stream);
+    source.failed = std::ferror(source.stream) != 0;
+    return source.failed ? -1 : static_cast<int>(count);
 }
 
-int ReadStream(void *stream, char *bytes, int size)
+struct FreeParser
 {
-    auto *const file = static_cast<std::FILE *>(stream);
-    const std::size_t count = std::fread(bytes, 1, static_cast<std::size_t>(size), file);
-    return std::ferror(file) ? -1 : static_cast<int>(count);
+    void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
+};
+
+struct FreeTree
+{
+    void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
+};
+
+bool LacksMemory(xmlParserCtxtPtr parser)
+{
+    const auto *const error = xmlCtxtGetLastError(parser);
+    return error && error->code == XML_ERR_NO_MEMORY;
 }
 
 /// What xmlReadFile does, through a stream of the platform: xmlReadFile also takes addresses of the network, "-" for
 /// standard input, "%41" for "A", and on Windows names that are not in the ANSI code page.
-xmlDocPtr ReadDocument(const char *fileName)
+CCXmlReading ReadDocument(const char *fileName, xmlDocPtr &document)
 {
     const Platform::StreamOwner stream = Platform::OpenStream(fileName, "rb");
-    return stream ? xmlReadIO(ReadStream, nullptr, stream.get(), nullptr, nullptr, 0) : nullptr;
+    if (!stream)
+        return CCXmlReading::Unreadable;
+    const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
+    if (!parser)
+        return CCXmlReading::NoMemory;
+    Source source = {stream.get()};
+    std::unique_ptr<xmlDoc, FreeTree> read(
+        xmlCtxtReadIO(parser.get(), ReadSource, nullptr, &source, nullptr, nullptr, 0));
+    if (source.failed)
+        return CCXmlReading::Unreadable;
+    document = read.release();
+    if (document)
+        return CCXmlReading::Read;
+    return LacksMemory(parser.get()) ? CCXmlReading::NoMemory : CCXmlReading::NotWellFormed;
 }
 
-/// Writes in place only where the folder takes no new file or the system refuses the rename, never after a write that
-/// failed: what is there then stays.
+/// ReadDocument, which has to see damage twice to believe it: libxml2 takes some allocations that failed for damage.
+CCXmlReading ReadDocumentSurely(const char *fileName, xmlDocPtr &document)
+{
+    const CCXmlReading reading = ReadDocument(fileName, document);
+    return reading == CCXmlReading::NotWellFormed ? ReadDocument(fileName, document) : reading;
+}
+
+/// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
 bool Save(const std::string &fileName, xmlDocPtr document)
 {
     const QuietErrors quiet;
     Platform::ReplacedFile file(fileName);
-    if (!file.Open())
-        return WriteInPlace(fileName, document);
-    const bool written = xmlDocDump(file.Stream(), document) != -1 && file.Finish();
-    return written && (file.Commit() || WriteInPlace(fileName, document));
+    return file.Open() && xmlDocDump(file.Stream(), document) != -1 && file.Commit();
 }
 
 } // namespace
@@ -158,19 +189,22 @@ Status CCDeInitializeXMLParser()
     return StatusCode::Success;
 }
 
-xmlDocPtr CCXmlParseXMLfile(const char *fileName)
+xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLfile");
     TRACE(trace, TRACE_ENTRY, "File name passed is %s", fileName);
     xmlDocPtr document = nullptr;
-    WithoutExceptions(
+    CCXmlReading outcome = CCXmlReading::Unreadable;
+    const Status status = WithoutExceptions(
         [&]
         {
             const QuietErrors quiet;
             if (fileName)
-                document = ReadDocument(fileName);
+                outcome = ReadDocumentSurely(fileName, document);
             return StatusCode::Success;
         });
+    if (reading)
+        *reading = status == StatusCode::NoMemory ? CCXmlReading::NoMemory : outcome;
     if (!document)
     {
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
