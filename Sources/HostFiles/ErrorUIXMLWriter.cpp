@@ -132,7 +132,7 @@ void ErrorUIXMLWriter::GetRootNodeFromExistingXML(std::string fileName)
         trace.Text(TRACE_FAILURE, "fileName is empty\n");
         return;
     }
-    m_pDoc.reset(CCXmlParseXMLfile(fileName.c_str(), &m_reading));
+    m_pDoc.reset(CCXmlParseXMLfile(fileName.c_str(), &m_reading, &m_earlierEntries));
     if (!m_pDoc)
     {
         TRACE(trace, TRACE_FAILURE, "Failed to XML file [%s]\n", fileName.c_str());
@@ -172,7 +172,7 @@ Status ErrorUIXMLWriter::SaveDataFile(std::string fileName)
         return trace.Fail(StatusCode::NotFound, "fileName is empty\n");
     if (!m_pDoc)
         return trace.Fail(StatusCode::Missing, "NULL Pointer:m_pDoc\n");
-    const Status status = CCXmlSave(fileName.c_str(), m_pDoc.get());
+    const Status status = CCXmlSave(fileName.c_str(), m_pDoc.get(), &m_earlierEntries);
     if (status != StatusCode::Success)
         TRACE(trace, TRACE_ERROR, "CCXmlSave failed with %d\n", status);
     return trace.Done(status);

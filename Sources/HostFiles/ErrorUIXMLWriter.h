@@ -51,6 +51,7 @@ private:
     xmlNodePtr m_pRootNode = nullptr;
     xmlNodePtr m_pErrorNode = nullptr;
     CCXmlReading m_reading = CCXmlReading::Read;
+    CCXmlOmitted m_earlierEntries;
     std::optional<CCXmlBracket> m_bracket;
     std::optional<Platform::FileLock> m_lock;
 };
