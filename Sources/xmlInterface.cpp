@@ -26,21 +26,14 @@ const xmlChar *AsXml(const char *text)
     return reinterpret_cast<const xmlChar *>(text);
 }
 
-#if LIBXML_VERSION >= 21200
-using ErrorRecord = const xmlError *;
-#else
-using ErrorRecord = xmlErrorPtr;
-#endif
-
-void IgnoreError(void * /*context*/, ErrorRecord /*error*/) {}
-
 /// Keeps libxml2's messages from the host's standard error while it lives.
 class QuietErrors
 {
 public:
     QuietErrors() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
     {
-        xmlSetStructuredErrorFunc(nullptr, IgnoreError);
+        // The type of the second argument changed with libxml2 2.12.
+        xmlSetStructuredErrorFunc(nullptr, [](void * /*context*/, auto * /*error*/) {});
     }
     ~QuietErrors() { xmlSetStructuredErrorFunc(m_context, m_handler); }
     QuietErrors(const QuietErrors &) = delete;
@@ -104,7 +97,7 @@ char *MoveToCHeap(xmlChar *block, std::size_t size)
 bool Write(const std::string &fileName, xmlDocPtr document)
 {
     Platform::StreamOwner stream = Platform::OpenStream(fileName, "wb");
-    if (!stream || xmlDocDump(stream.get(), document) == -1)
+    if (!stream || xmlDocDump(stream.get(), document) < 0)
         return false;
     return std::fclose(stream.release()) == 0;
 }
@@ -194,7 +187,7 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
     const FunctionTrace trace(xmlDebugHandle, kSourceFile, "CCXmlParseXMLBuffer");
     TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
     const QuietErrors quiet;
-    const xmlDocPtr document = xmlRecoverMemory(buffer, size);
+    const xmlDocPtr document = xmlReadMemory(buffer, size, nullptr, nullptr, XML_PARSE_RECOVER);
     if (!document)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
@@ -203,8 +196,8 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
 
 void CCXmlPadBuffer(std::string &buffer)
 {
-    // Several times the distance from the end at which libxml2 looks for more.
-    constexpr std::size_t kPadding = std::size_t{16} * INPUT_CHUNK;
+    // Several times the distance from the end at which libxml2 looks for more (250 bytes).
+    constexpr std::size_t kPadding = 4000;
     if (buffer.size() > XML_MAX_LOOKUP_LIMIT - kPadding)
         buffer.append(kPadding, ' ');
 }

@@ -25,7 +25,7 @@ Status CCDeInitializeXMLParser();
 /// Parses the file (xmlReadFile, strict). The caller owns the document (CCXmlFreeDocPtr); null when there is none.
 xmlDocPtr CCXmlParseXMLfile(const char *fileName);
 
-/// Parses `size` bytes in recovery mode (xmlRecoverMemory): damaged text gives the tree that could be built. The caller
+/// Parses `size` bytes in recovery mode (xmlReadMemory): damaged text gives the tree that could be built. The caller
 /// owns the document; null when nothing could be built.
 xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size);
 
