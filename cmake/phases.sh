@@ -1,24 +1,27 @@
-# What the scripts say of their course; for scripts with `set -e`, which source it in the project's folder.
-# Each of the two runs a command, a function of the script included, and ends the script with its exit code when it
-# fails; in a function, too, the first command that fails is the last. What the command sets stays in it.
+# What the scripts say of their course; for scripts with `set -e`, which source it in the project's folder. The lines go
+# to standard error.
 #   phase NAME COMMAND...   one line with the time; the command's output goes to a file under build/logs, whose place
 #                           and last lines are shown when the command fails
-#   step NAME COMMAND...    the output is shown, under a heading; the time follows
-# The lines go to standard error.
+#   step NAME COMMAND...    the output is shown under a heading, then the time
+#   total                   the time since the script began
+# The command may be a function of the script. When it fails, at whichever of its own commands, the script ends with its
+# exit code. What it sets is gone afterwards.
 
 logs=build/logs
+
+minutes() { printf '%d:%02d' $(($1 / 60)) $(($1 % 60)); }
 
 # run_timed COMMAND...: leaves the exit code in `code` and the time in `took`.
 run_timed() {
     local start=$SECONDS
-    set +e
+    set +e # not `|| code=$?`, which would let the command's own failures pass
     (
         set -e
         "$@"
     )
     code=$?
     set -e
-    took=$(((SECONDS - start) / 60)):$(printf '%02d' $(((SECONDS - start) % 60)))
+    took=$(minutes $((SECONDS - start)))
 }
 
 phase() {
@@ -36,11 +39,13 @@ phase() {
 
 step() {
     local code took
-    printf '== %s\n' "$1" >&2
+    printf '\n== %s\n' "$1" >&2
     run_timed "${@:2}"
     if ((code)); then
         printf '== %s: failed after %s\n' "$1" "$took" >&2
         exit "$code"
     fi
-    printf '== %s: %s\n\n' "$1" "$took" >&2
+    printf '== %s: %s\n' "$1" "$took" >&2
 }
+
+total() { printf '\n== Total: %s\n' "$(minutes "$SECONDS")" >&2; }
