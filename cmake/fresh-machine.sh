@@ -18,7 +18,6 @@ skip() {
 
 # check_rights: does once what the machines need.
 check_rights() {
-    ((EUID == 0)) || skip "that takes root"
     mkdir -p "$place"
     mknod "$place/null" c 1 3 2>/dev/null && : 2>/dev/null >"$place/null" || skip "device files are not allowed"
     unshare --mount --pid --fork --mount-proc true 2>/dev/null || skip "namespaces and mounts are not allowed"
@@ -151,9 +150,14 @@ if [[ ${FRESH_MACHINE_INSIDE-} ]]; then
     exit
 fi
 
+((EUID == 0)) || skip "that takes root"
+mkdir -p build
+exec 9>build/fresh-machine.lock
+flock --nonblock 9 || { echo "Another run makes its machines here" >&2; exit 1; }
 trap clean_up EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
+rm -rf --one-file-system "$place" # what is left of a run that was killed
 check_rights
 phase "Installing debootstrap" cmake/install-packages.sh debootstrap debian-archive-keyring </dev/null
 # In namespaces of its own, so that nothing runs and nothing is mounted any more once this script has ended.

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What the scripts say of their course; for scripts with `set -e`, which source it in the project's folder. The lines go
 # to standard error.
 #   phase NAME COMMAND...   one line with the time; the command's output goes to a file under build/logs, whose place
