@@ -28,21 +28,14 @@ const xmlChar *AsXml(const char *text)
     return reinterpret_cast<const xmlChar *>(text);
 }
 
-#if LIBXML_VERSION >= 21200
-using ErrorRecord = const xmlError *;
-#else
-using ErrorRecord = xmlErrorPtr;
-#endif
-
-void IgnoreError(void * /*context*/, ErrorRecord /*error*/) {}
-
 /// Keeps libxml2's messages from the host's standard error while it lives.
 class QuietErrors
 {
 public:
     QuietErrors() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
     {
-        xmlSetStructuredErrorFunc(nullptr, IgnoreError);
+        // The type of the second argument changed with libxml2 2.12.
+        xmlSetStructuredErrorFunc(nullptr, [](void * /*context*/, auto * /*error*/) {});
     }
     ~QuietErrors() { xmlSetStructuredErrorFunc(m_context, m_handler); }
     QuietErrors(const QuietErrors &) = delete;
@@ -164,7 +157,7 @@ bool WritePieces(std::FILE *stream, std::initializer_list<std::string_view> piec
 bool Write(std::FILE *stream, xmlDocPtr document, const CCXmlOmitted *omitted)
 {
     if (!omitted || omitted->text.empty())
-        return xmlDocDump(stream, document) != -1;
+        return xmlDocDump(stream, document) >= 0;
     xmlChar *block = nullptr;
     int size = 0;
     xmlDocDumpMemory(document, &block, &size);
@@ -237,7 +230,7 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLBuffer");
     TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
     const QuietErrors quiet;
-    const xmlDocPtr document = xmlRecoverMemory(buffer, size);
+    const xmlDocPtr document = xmlReadMemory(buffer, size, nullptr, nullptr, XML_PARSE_RECOVER);
     if (!document)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
@@ -246,8 +239,8 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
 
 void CCXmlPadBuffer(std::string &buffer)
 {
-    // Several times the distance from the end at which libxml2 looks for more.
-    constexpr std::size_t kPadding = std::size_t{16} * INPUT_CHUNK;
+    // Several times the distance from the end at which libxml2 looks for more (250 bytes).
+    constexpr std::size_t kPadding = 4000;
     if (buffer.size() > XML_MAX_LOOKUP_LIMIT - kPadding)
         buffer.append(kPadding, ' ');
 }

@@ -54,7 +54,7 @@ struct CCXmlOmitted
 /// CCXmlSave writes, the root's children are checked and left out of the tree, which takes a small part of the time.
 xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading = nullptr, CCXmlOmitted *omitted = nullptr);
 
-/// Parses `size` bytes in recovery mode (xmlRecoverMemory): damaged text gives the tree that could be built. The caller
+/// Parses `size` bytes in recovery mode (xmlReadMemory): damaged text gives the tree that could be built. The caller
 /// owns the document; null when nothing could be built.
 xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size);
 

@@ -101,6 +101,20 @@ TEST(XmlInterface, WalksChildrenOfEveryKind)
     EXPECT_EQ(names, "text comment b text c ");
 }
 
+TEST(XmlInterface, ParsesWhatIsThereOfADamagedText)
+{
+    const std::pair<std::string, const char *> cases[] = {
+        {"<a b='1\r\n2\t3'>x\r\ny\rz</a>", "<a b=\"1 2 3\">x\ny\nz</a>"},
+        {"<!DOCTYPE a [<!ENTITY e '<b/>'>]><a>&e;</a", "<!DOCTYPE a [\n<!ENTITY e \"<b/>\">\n]>\n<a>&e;</a>"},
+        {"<a><b>x</c><d/>", "<a><b>x</b><d/></a>"},
+        {"<a><b c='1' c='2'/><![CDATA[ <x> ]]>&", "<a><b c=\"1\" c=\"2\"/><![CDATA[ <x> ]]></a>"},
+        {"<a/>behind", "<a/>"},
+    };
+    for (const auto &[text, serialised] : cases)
+        EXPECT_EQ(Dump(Parse(text).get()), std::string("<?xml version=\"1.0\"?>\n") + serialised + '\n') << text;
+    EXPECT_EQ(CCXmlGetRootElement(Parse("no markup").get()), nullptr);
+}
+
 TEST(XmlInterface, AddNodeResolvesReferencesAndTextNodesKeepEveryCharacter)
 {
     const std::pair<std::string, const char *> cases[] = {
@@ -186,7 +200,7 @@ int hostMessages = 0;
 TEST(XmlInterface, KeepsMessagesAndTheHostsHandlersToThemselves)
 {
     const xmlStructuredErrorFunc before = xmlStructuredError;
-    const auto countMessage = [](void *, xmlErrorPtr) { ++hostMessages; };
+    const auto countMessage = [](void *, auto *) { ++hostMessages; };
     xmlSetStructuredErrorFunc(&hostMessages, countMessage);
     testing::internal::CaptureStderr();
     Parse("<a><b></a");
