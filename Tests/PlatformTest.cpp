@@ -96,15 +96,6 @@ TEST(TextFile, WhatIsNoFileCannotBeOpened)
     EXPECT_FALSE(writer.Write("lost"));
 }
 
-TEST(Directory, IsMadeOnceAndOnlyBelowAnother)
-{
-    using Platform::DirectoryOutcome;
-    const TemporaryDirectory directory;
-    EXPECT_EQ(Platform::MakeDirectory(directory.Path("out")), DirectoryOutcome::Made);
-    EXPECT_EQ(Platform::MakeDirectory(directory.Path("out")), DirectoryOutcome::Existed);
-    EXPECT_EQ(Platform::MakeDirectory(directory.Path("none\\out")), DirectoryOutcome::Failed);
-}
-
 TEST(Mutex, CanBeTakenAgainByItsHolderOnly)
 {
     const Platform::MutexHandle mutex = Platform::MakeMutex("PlatformTest");
@@ -124,23 +115,6 @@ TEST(Mutex, CanBeTakenAgainByItsHolderOnly)
     EXPECT_EQ(count, 10000);
     Platform::CloseMutex(mutex);
     EXPECT_FALSE(Platform::WaitMutex(nullptr));
-}
-
-TEST(Utf8ToUtf16, ReplacesEveryIllFormedPart)
-{
-    const std::pair<std::string, std::u16string> cases[] = {
-        {std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
-        {"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", u"\u00E9\u20AC\U0001F600"},
-        {"\xE9", u"\uFFFD"},
-        {"\xE2\x82z", u"\uFFFDz"},
-        {"\xC0\xAF", u"\uFFFD\uFFFD"}, // too long for what it says
-        {"\xF0\x9F\x98", u"\uFFFD"},
-    };
-    for (const auto &[text, units] : cases)
-        EXPECT_EQ(Platform::Utf8ToUtf16(text), units) << text;
-    // The systems differ in how many it is: beyond the last character, a surrogate.
-    for (const char *const text : {"\xF4\x90\x80\x80", "\xED\xA0\x80"})
-        EXPECT_EQ(Platform::Utf8ToUtf16(text).find_first_not_of(u'\uFFFD'), std::u16string::npos) << text;
 }
 
 } // namespace

@@ -92,16 +92,6 @@ TEST(XmlInterface, RefusesNullArgumentsWithTheirLines)
     CCDeInitializeXMLParser();
 }
 
-TEST(XmlInterface, WalksChildrenOfEveryKind)
-{
-    const Document document = Parse("<a>text<!-- c --><b/> <c/></a>");
-    const xmlNodePtr root = CCXmlGetRootElement(document.get());
-    std::string names;
-    for (xmlNodePtr child = CCXmlGetNextNodeChild(root, nullptr); child; child = CCXmlGetNextNodeChild(root, child))
-        names += std::string(CCXmlGetNodeElementName(child)) + ' ';
-    EXPECT_EQ(names, "text comment b text c ");
-}
-
 TEST(XmlInterface, AddNodeResolvesReferencesAndTextNodesKeepEveryCharacter)
 {
     const std::pair<std::string, const char *> cases[] = {
