@@ -152,7 +152,7 @@ TEST_F(BiosConfigurationTest, GetDataRefusesNullArguments)
     WriteFile(m_machine.HostFile("CapsList.json"), R"({"Tarnwell": {"CapabilityList": {"BIOS Options": []}}})");
     ASSERT_EQ(InitModule(), StatusCode::Success);
     EXPECT_EQ(m_module.GetData("all", &kind, &buffer), StatusCode::NotFound);
-    EXPECT_EQ(TraceLog::Take(), Lines(4, " **ERROR**  Fn:BiosConfigModule::GetData NULL pointer(s)\n"));
+    EXPECT_EQ(TraceLog::Take(), Lines(4, " **ERROR**  <--  Fn:BiosConfigModule::GetData NULL pointer(s)\n"));
     EXPECT_EQ(m_machine.Errors(), Lines(4, "Null Dereferencing / BiosConfigModule - GetData"));
     EXPECT_EQ(buffer, "untouched");
     EXPECT_TRUE(fs::is_empty(m_machine.HostFile("ModuleData")));
@@ -161,8 +161,9 @@ TEST_F(BiosConfigurationTest, GetDataRefusesNullArguments)
 TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
 {
     constexpr auto kNoWriter = static_cast<OutputKind>(12);
-    const std::string initFailed = "failed to initilaise\n";
-    const std::string readFailed = "failed to get knob details\n";
+    const std::string function = " Fn:BiosConfigModule::GetData ";
+    const std::string initFailed = function + "failed to initilaise\n";
+    const std::string readFailed = " <-- " + function + "failed to get knob details\n";
     const std::string noRows = std::string(kDocument) + kDocumentEnd;
     const std::string unavailable = std::string(kDocument) + kUnavailable + kDocumentEnd;
     const struct
@@ -178,9 +179,7 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
         {"savexml=exit:1", OutputKind::UiXml, readFailed, "Failed to readKnob", noRows},
         {"savexml=exit:2", OutputKind::UiXml, readFailed, "Failed to readKnob", unavailable},
         {"nodump", OutputKind::UiXml, readFailed, "Failed to readKnob", unavailable},
-        {"emptydump", OutputKind::UiXml, readFailed, "Failed to readKnob", unavailable},
-        {"wrongroot", OutputKind::UiXml, readFailed, "Failed to readKnob", unavailable},
-        {"exit:0", kNoWriter, "new failed for pWriter\n", "Could not Allocate Memory", "untouched"},
+        {"exit:0", kNoWriter, function + "new failed for pWriter\n", "Could not Allocate Memory", "untouched"},
     };
     const TraceLog log("BiosConfigModule", TRACE_ERROR);
     for (const auto &row : cases)
@@ -189,7 +188,7 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
         ASSERT_EQ(InitModule(), StatusCode::Success);
         TraceLog::Take();
         EXPECT_EQ(Report(row.kind), row.report) << row.fault;
-        EXPECT_EQ(TraceLog::Take(), Lines{" **ERROR**  Fn:BiosConfigModule::GetData " + row.traced}) << row.fault;
+        EXPECT_EQ(TraceLog::Take(), Lines{" **ERROR** " + row.traced}) << row.fault;
         EXPECT_EQ(m_machine.Errors(), Lines{row.reported + " / BiosConfigModule - GetData"}) << row.fault;
         const bool noWriter = row.kind == kNoWriter;
         std::string file;

@@ -52,7 +52,6 @@ const UpdateCase kCases[] = {
     {"", "t.ini.txt", Failed, kNotTried},
     {"", "v1.2/t.ini", Failed, kNotTried},
     {"", "a\"b.ini", Failed, kRefused},
-    {"", "a\"b.txt", Failed, kRefused},
     {"capabilities", "t.ini", Failed, kNoModule},
     {"program", "t.ini", Failed, kNotReady},
     {"fenrikstatus=exit:1", "t.txt", NotFound, kNotReady},
