@@ -79,7 +79,6 @@ TEST_F(BIOSConfigurationLibTest, InitTellsWhyTheToolCannotBeUsed)
         {"exit:0", Success, {made, exec, " <--  Fn:Exec Exec\n", " <-- " + fn + "\n"}},
         {"exit:1", NotFound, {made, exec, failed}},
         {"exit:2", ToolFailed, {made, exec, failed}},
-        {"crash", ToolFailed, {made, exec, failed}},
         {"missing program", Failed, {made, exec, failed}},
         {"missing folder", Failed, {noFolder}},
         {"no variable", Failed, {noVariable}},

@@ -198,12 +198,18 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
     }
 }
 
-TEST_F(BiosConfigurationTest, GetDataNeedsNoReportFile)
+TEST_F(BiosConfigurationTest, GetDataNeedsNoReportFileButTellsOfAFullDisk)
 {
     fs::remove(m_machine.HostFile("ModuleData"));
     EXPECT_EQ(Groups("<k name='A'/>"), "<Group Name=\"Bios Options\"><Row>\"A\", \"\", \"NA\", \"NA\"</Row></Group>");
     EXPECT_EQ(m_machine.Errors(), Lines());
     EXPECT_FALSE(fs::exists(m_machine.HostFile("ModuleData")));
+    if (!fs::exists("/dev/full"))
+        return;
+    fs::create_directory(m_machine.HostFile("ModuleData"));
+    fs::create_symlink("/dev/full", m_machine.HostFile("ModuleData/bios_UI_XML"));
+    EXPECT_TRUE(Report().starts_with(kDocument));
+    EXPECT_EQ(m_machine.Errors(), Lines{"Failed to write the report file / BiosConfigModule - GetData"});
 }
 
 } // namespace

@@ -54,7 +54,6 @@ const UpdateCase kCases[] = {
     {"", "a\"b.ini", Failed, kRefused},
     {"capabilities", "t.ini", Failed, kNoModule},
     {"program", "t.ini", Failed, kNotReady},
-    {"fenrikstatus=exit:1", "t.txt", NotFound, kNotReady},
     {"fenrikstatus=crash", "t.txt", ToolFailed, kNotReady},
     {"progknobsfromfile=exit:1", "t.txt", NotFound, kNotValid},
     {"progknobsfromfile=crash", "t.ini", ToolFailed, kNotValid},

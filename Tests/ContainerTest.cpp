@@ -281,6 +281,7 @@ TEST(InitContainer, RefusesWhatItCannotMake)
             ContainerParams_t params{.kind = kind};
             EXPECT_EQ(WithoutMemory(succeeding, [&] { return InitContainer(&params, made); }),
                       succeeding == 0 ? Missing : Failed);
+            EXPECT_TRUE(params.compare && params.position);
         }
     EXPECT_EQ(made, &none);
 }

@@ -292,7 +292,9 @@ TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
     // Whether the bit 2 is a level, a sink or a field.
     EXPECT_EQ(SetAll(2), all);
     EXPECT_EQ(SetAll(kUnknownBit), std::vector<Status>(3, NotFound));
-    Settings expected = {Success, TRACE_INFO, OUTPUT_CONSOLE | OUTPUT_FILE, FORMAT_ALL & ~FORMAT_LINE,
+    // A level, but neither a sink nor a field.
+    EXPECT_EQ(SetAll(TRACE_EXIT), (std::vector{Success, NotFound, NotFound}));
+    Settings expected = {Success, TRACE_INFO | TRACE_EXIT, OUTPUT_CONSOLE | OUTPUT_FILE, FORMAT_ALL & ~FORMAT_LINE,
                          "log globalFile "};
     EXPECT_EQ(Describe(*handle), expected);
     EXPECT_EQ(Describe(*locked), Settings{.on = "locked log "});
@@ -301,11 +303,13 @@ TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
     EXPECT_EQ(SetPackageFile(handle, nullptr), Missing);
     EXPECT_EQ(SetDebugFlag(nullptr, kUnknownBit, true), Missing);
     EXPECT_EQ(SetTraceType(handle, kUnknownBit, true), NotFound);
+    EXPECT_EQ(SetOutputType(handle, TRACE_EXIT, true), NotFound);
+    EXPECT_EQ(SetTraceFormat(handle, TRACE_EXIT, true), NotFound);
     EXPECT_EQ(SetDebugFlag(handle, kUnknownBit, true), NotFound);
     EXPECT_EQ(SetDebugFlagAll(kNoFlags, true), NotFound);
     EXPECT_EQ(SetDebugFlag(handle, kNoFlags, true), Success);
     const std::string functions = "consolePrint filePrint customPrint mask ";
-    expected = {Success, TRACE_INFO | TRACE_WARN | kUnknownBit, OUTPUT_FILE, FORMAT_FUNCTION | FORMAT_TAGS,
+    expected = {Success, TRACE_INFO | TRACE_EXIT | TRACE_WARN | kUnknownBit, OUTPUT_FILE, FORMAT_FUNCTION | FORMAT_TAGS,
                 "log file globalFile " + functions + "callback "};
     EXPECT_EQ(Describe(*handle), expected);
     // The first of several flags is set, in one order for one handle and in another for all.
