@@ -70,6 +70,7 @@ TEST(TextFile, LineFeedsAreWrittenAndReadAsPairs)
     ASSERT_TRUE(writer.Open(path));
     EXPECT_TRUE(writer.Write(text));
     EXPECT_TRUE(writer.Close());
+    EXPECT_FALSE(writer.Write("lost"));
     EXPECT_EQ(ReadFile(directory.Path("folder/text")), "\r\none\r\n\r\ntwo\rthree" + std::string(300000, 'x') + "\r\n");
     std::string read;
     EXPECT_TRUE(Platform::ReadTextFile(path, read));
