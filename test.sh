@@ -4,26 +4,29 @@
 # the same dumps, and these are compared byte for byte.
 set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
+. cmake/phases.sh
 
-# run_tests PRESET
-run_tests() {
-    cmake --preset "$1" >/dev/null
-    cmake --build --preset "$1" -- --quiet
-    ctest --preset "$1" --parallel "$(nproc)"
+# build PRESET TARGETS...
+build() {
+    cmake --preset "$1"
+    cmake --build --preset "$1" ${2:+--target "${@:2}"} -- --quiet
 }
+
+run_tests() { ctest --preset "$1" --parallel "$(nproc)"; }
 
 case ${1-} in
 '')
-    cmake/install-packages.sh </dev/null
-    run_tests debug
+    phase "Installing" cmake/install-packages.sh </dev/null
+    phase "Building" build debug
+    step "Testing" run_tests debug
     ;;
 windows)
-    cmake/install-packages.sh g++-mingw-w64-x86-64-posix wine64 dpkg-dev </dev/null
-    cmake/windows-libraries.sh </dev/null
-    run_tests windows
-    cmake --preset debug >/dev/null
-    cmake --build --preset debug --target biosconfig BiosConfigModule FenrikCmd -- --quiet
-    Tests/compare-systems.sh build/debug/bin build/windows/bin
+    phase "Installing for Windows" cmake/install-packages.sh g++-mingw-w64-x86-64-posix wine64 dpkg-dev </dev/null
+    phase "Building the libraries for Windows" cmake/windows-libraries.sh </dev/null
+    phase "Building for Windows" build windows
+    step "Testing for Windows" run_tests windows
+    phase "Building the programs for Linux" build debug biosconfig BiosConfigModule FenrikCmd
+    step "Comparing the systems" Tests/compare-systems.sh build/debug/bin build/windows/bin
     ;;
 *)
     echo "usage: $0 [windows]" >&2

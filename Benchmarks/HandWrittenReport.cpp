@@ -56,7 +56,7 @@ std::string ReadStripped(const std::string &path)
 xmlDocPtr ParseStripped(const std::string &path)
 {
     const std::string text = ReadStripped(path);
-    return xmlRecoverMemory(text.data(), static_cast<int>(text.size()));
+    return xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, XML_PARSE_RECOVER);
 }
 
 /// The text of the option whose value is `current`.

@@ -28,7 +28,7 @@ rows=$(grep -o '<Row>' report.xml | wc -l)
 echo "report.xml has $rows rows"
 ((rows > 250))
 
-cmake -S "$source_directory/Tests/Consumer" -B consumer -DHOST_SOURCE="$source_directory/Docs/MinimalHost.cpp" \
+cmake -G Ninja -S "$source_directory/Tests/Consumer" -B consumer -DHOST_SOURCE="$source_directory/Docs/MinimalHost.cpp" \
     -DBiosConfigModule_DIR="$(dirname "$(find "$top" -name BiosConfigModuleConfig.cmake)")" "${toolchain[@]}" >/dev/null
 cmake --build consumer >/dev/null
 module=$(<consumer/module-path)

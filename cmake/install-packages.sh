@@ -15,6 +15,12 @@ done
 
 as_root=()
 ((EUID == 0)) || as_root=(sudo)
+if ! "${as_root[@]}" true; then
+    echo "Packages are missing, and only root can install them; sudo does not work here. Please have this done:" >&2
+    echo "    apt-get update && apt-get install --no-install-recommends ${missing[*]}" >&2
+    exit 1
+fi
 echo "Installing: ${missing[*]}" >&2
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 update
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 -y install --no-install-recommends "${missing[@]}"
+apt_get=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300)
+"${apt_get[@]}" update
+"${apt_get[@]}" -y install --no-install-recommends "${missing[@]}"

@@ -1,5 +1,6 @@
 #include "SanitizeText.h"
 
+#include "AppendUtf8.h"
 #include "Platform.h"
 #include "PrintableAscii.h"
 
@@ -7,24 +8,6 @@
 
 namespace
 {
-
-void AppendUnit(std::string &text, char16_t unit)
-{
-    const auto append = [&text](unsigned byte) { text += static_cast<char>(byte); };
-    if (unit < 0x80)
-    {
-        append(unit);
-        return;
-    }
-    if (unit < 0x800)
-        append(0xC0U | (unit >> 6U));
-    else
-    {
-        append(0xE0U | (unit >> 12U));
-        append(0x80U | ((unit >> 6U) & 0x3FU));
-    }
-    append(0x80U | (unit & 0x3FU));
-}
 
 bool IsControl(char16_t unit)
 {
@@ -49,7 +32,7 @@ std::string SanitizeText(std::string text)
         position = std::find_if(other, text.cend(), IsPrintableAsciiCharacter);
         result.append(plain, other);
         for (const char16_t unit : Platform::Utf8ToUtf16({other, position}))
-            AppendUnit(result, IsControl(unit) ? u'.' : unit);
+            AppendUtf8(result, IsControl(unit) ? u'.' : unit);
     }
     return result;
 }

@@ -95,7 +95,7 @@ Status ModuleJSONWriter::DoAddGroup(FunctionTrace &trace, std::string groupName)
     m_items.Clear();
     m_group.Value()["GroupName"] = std::move(groupName);
     ++m_groupCount;
-    // Readers of these traces know a group of a JSON document by its entry line alone.
+    // No exit line: those who read the traces of these two writers know a group by its entry line alone.
     return trace.LeaveUntraced(StatusCode::Success);
 }
 

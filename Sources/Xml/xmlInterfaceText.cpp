@@ -1,10 +1,10 @@
 #include "xmlInterfaceText.h"
 
+#include "AppendUtf8.h"
 #include "PrintableAscii.h"
 
 #include <algorithm>
 #include <libxml/chvalid.h>
-#include <libxml/parserInternals.h>
 #include <libxml/xmlstring.h>
 #include <string_view>
 
@@ -70,12 +70,10 @@ std::string MakeXmlText(std::string text)
         if (position == end)
             break;
         const int character = TakeCharacter(position, end);
-        xmlChar encoded[8];
         if (character < 0 || !xmlIsCharQ(character))
             result += kReplacementCharacter;
         else
-            result.append(reinterpret_cast<const char *>(encoded),
-                          static_cast<std::size_t>(xmlCopyCharMultiByte(encoded, character)));
+            AppendUtf8(result, static_cast<char32_t>(character));
     }
     return result;
 }

@@ -1,11 +1,17 @@
 #include "DebugTrace.h"
 
+#include "TraceLog.h"
+#include "TracedBarrier.h"
+
 #include <cstdarg>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 
 namespace
 {
+
+using TestSupport::TraceLog;
 
 /// What every sink was given, with the sink's name in front.
 std::string written;
@@ -110,6 +116,29 @@ TEST(DebugTrace, PrintFunctionsOfTheLibraryAndOfOthersGetTheSameLine)
     DebugTrace(&handle, "file", "F", 1, TRACE_ERROR, "x%cy", 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "\n x");
     EXPECT_EQ(written, "console:\n xconsole:\n x");
+}
+
+TEST(FunctionTrace, TellsWhatAnExceptionWas)
+{
+    const TraceLog log("BarrierTest", TRACE_ERROR);
+    TraceSource source("BarrierTest", "file");
+    source.Open();
+    const auto end = [&source](const std::function<void()> &work)
+    {
+        FunctionTrace trace(source, "F", "F\n");
+        return WithoutExceptions(trace,
+                                 [&]
+                                 {
+                                     work();
+                                     return trace.Done(StatusCode::Success);
+                                 });
+    };
+    EXPECT_EQ(end([] { throw std::bad_alloc(); }), StatusCode::NoMemory);
+    EXPECT_EQ(end([] { std::string().resize(std::string::npos); }), StatusCode::NoMemory);
+    EXPECT_EQ(end([] { throw std::runtime_error("x"); }), StatusCode::Failed);
+    const std::string line = " **ERROR**  Fn:F ";
+    EXPECT_EQ(TraceLog::Take(), (std::vector<std::string>{line + "out of memory\n", line + "out of memory\n",
+                                                          line + "unexpected exception\n"}));
 }
 
 TEST(FunctionTrace, WritesTheWayOutOnceAndEvaluatesNothingWhenDisabled)

@@ -1,15 +1,13 @@
 #pragma once
 
 #include "BiosConfigModule.h"
-#include "DebugHandle.h"
 #include "Platform.h"
 #include "TestSupport.h"
+#include "TraceLog.h"
 
-#include <cstdarg>
 #include <filesystem>
 #include <regex>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace TestSupport
@@ -91,54 +89,5 @@ inline Status InitModule(BaseModule &module, const Machine &machine)
         delete cap;
     return status;
 }
-
-/// Everything that one component traces while the object lives: level tags, function and message of each line, as
-/// " <--  Fn:readKnob readKnob\n".
-class TraceLog
-{
-public:
-    explicit TraceLog(const char *componentName, std::uint64_t levels = TRACE_ALL)
-    {
-        Lines().clear();
-        EXPECT_EQ(InitDebugHandle(componentName, &m_handle), StatusCode::Success);
-        m_before = *m_handle;
-        m_handle->traceType = levels;
-        m_handle->traceFormat = FORMAT_TAGS | FORMAT_FUNCTION;
-        m_handle->consolePrint = Collect;
-    }
-    ~TraceLog()
-    {
-        m_handle->traceType = m_before.traceType;
-        m_handle->traceFormat = m_before.traceFormat;
-        m_handle->consolePrint = m_before.consolePrint;
-        UnInitDebugHandle(m_handle);
-    }
-    TraceLog(const TraceLog &) = delete;
-    TraceLog &operator=(const TraceLog &) = delete;
-
-    /// The lines since the last call.
-    static std::vector<std::string> Take() { return std::exchange(Lines(), {}); }
-
-private:
-    static std::vector<std::string> &Lines()
-    {
-        static std::vector<std::string> lines;
-        return lines;
-    }
-
-    static int Collect(const char *format, ...)
-    {
-        char text[1024];
-        std::va_list arguments;
-        va_start(arguments, format);
-        const int length = std::vsnprintf(text, sizeof text, format, arguments);
-        va_end(arguments);
-        Lines().emplace_back(text + 1); // without the line break in front
-        return length;
-    }
-
-    DebugHandle_t *m_handle = nullptr;
-    DebugHandle_t m_before;
-};
 
 } // namespace TestSupport
