@@ -19,7 +19,7 @@ Text              Sources/Text               : Platform
 Xml               Sources/Xml                : Headers Platform ExceptionBarrier Diagnostics Text
 HostFiles         Sources/HostFiles          : Headers Platform ExceptionBarrier Diagnostics Text Xml HostLibrary SingletonManager
 Tool              Sources/Tool               : Headers Platform ExceptionBarrier Diagnostics Text Xml
-Writers           Sources/Writers            : Headers Platform ExceptionBarrier Diagnostics Text Xml
+Writers           Sources/Writers            : Headers ExceptionBarrier Diagnostics Text Xml
 Module            Sources/Module             : Headers Platform ExceptionBarrier Diagnostics Text HostFiles Tool Writers
 FenrikCmd         Tools/FenrikCmd            : Platform
 biosconfig        Tools/biosconfig           : Headers Platform Diagnostics/DebugConfCheck.h
