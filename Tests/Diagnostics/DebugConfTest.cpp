@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
+#include <set>
 
 namespace
 {
@@ -27,7 +28,7 @@ struct Settings
     std::uint64_t levels = 0, sinks = OUTPUT_CONSOLE;
     std::uint32_t fields = FORMAT_ALL;
     /// The flags that are on, and what has been set, in the order in which Describe asks for them.
-    std::string on = "log ";
+    std::string_view on = "log ";
 
     bool operator==(const Settings &other) const = default;
     friend void PrintTo(const Settings &settings, std::ostream *stream)
@@ -39,6 +40,7 @@ struct Settings
 
 Settings Describe(const DebugHandle_t &handle)
 {
+    static std::set<std::string> kept; // the texts that settings point to
     const DebugHandle_t fresh;
     std::string on;
     for (const auto &[isOn, name] :
@@ -51,7 +53,7 @@ Settings Describe(const DebugHandle_t &handle)
           std::pair(handle.customPrint != nullptr, "customPrint "),
           std::pair(handle.callbackMask != TRACE_ALL, "mask "), std::pair(handle.callback != nullptr, "callback ")})
         on += isOn ? name : "";
-    return {Success, handle.traceType, handle.outputType, handle.traceFormat, on};
+    return {Success, handle.traceType, handle.outputType, handle.traceFormat, *kept.insert(on).first};
 }
 
 Handle Open(const char *name)
@@ -102,7 +104,6 @@ protected:
 
 TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
 {
-    const Settings unchanged;
     const std::string unused = "; no trace setting takes effect";
     const std::string form = "is not of the form NAME : KEY < VALUE >" + unused, text63(63, 'x');
     const struct
@@ -111,8 +112,8 @@ TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
         Settings settings;
         std::string fault = "";
     } cases[] = {
-        {"[GLOBAL]\r\n # comment\n\n[PACK AGES]\n#" + std::string(254, 'x') + "\r\n", unchanged},
-        {"Y:TraceType<Al>\nX" + text63 + ":TraceType<Al>\n", unchanged},
+        {"[GLOBAL]\r\n # comment\n\n[PACK AGES]\n#" + std::string(254, 'x') + "\r\n", {}},
+        {"Y:TraceType<Al>\nX" + text63 + ":TraceType<Al>\n", {}},
         {" X : \vTrace\fType < En\tEx > behind #\r\nX:SyncFlag<Y>", {.levels = TRACE_ENTRY | TRACE_EXIT}},
         {"X:TraceType<EnNoEx>\nX:OutputType<Al>\nX:TraceFormatType<FnTd>\n",
          {.levels = TRACE_EXIT, .sinks = OUTPUT_ALL, .fields = FORMAT_FUNCTION | FORMAT_TAGS}},
@@ -127,17 +128,17 @@ TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
          {.levels = TRACE_ERROR, .sinks = OUTPUT_CONSOLE | OUTPUT_FILE, .on = "log globalSync "}},
         {"X:FileName<x.log>\nGlobal:FileName<all.log>\nGlobal:SyncFlag<y>\n", {.on = "log file globalFile "}},
         {"X:FileName<" + text63 + "/x.log>\n", {.on = "log file "}},
-        {"Y:FileName<no/y>\n", unchanged, ", the log file \"no/y\" cannot be written; there are no traces of Y"},
+        {"Y:FileName<no/y>\n", {}, ", the log file \"no/y\" cannot be written; there are no traces of Y"},
         {"Global:FileName<>\n",
          {.status = Failed},
          ", the log file \"\" cannot be written; there are no traces at all"},
         // One bad line, and no setting counts.
-        {"X:TraceType<Al>\nX:TraceType<EnE>\n", unchanged, ", line 2, holds a code of one character" + unused},
-        {"X:TraceType<Al>\n\nX:OutputType<En>", unchanged, ", line 3, holds an unknown code" + unused},
-        {"X:Colour<Al>\nX:TraceType<Al>\n", unchanged, ", line 1, holds an unknown key" + unused},
-        {"X:TraceType<Al>\nX:TraceType<Al\n", unchanged, ", line 2, " + form},
-        {"X:TraceType Al>\n", unchanged, ", line 1, " + form},
-        {"X:TraceType<Al>\n#" + std::string(255, 'x'), unchanged, ", line 2, is longer than 255 characters" + unused},
+        {"X:TraceType<Al>\nX:TraceType<EnE>\n", {}, ", line 2, holds a code of one character" + unused},
+        {"X:TraceType<Al>\n\nX:OutputType<En>", {}, ", line 3, holds an unknown code" + unused},
+        {"X:Colour<Al>\nX:TraceType<Al>\n", {}, ", line 1, holds an unknown key" + unused},
+        {"X:TraceType<Al>\nX:TraceType<Al\n", {}, ", line 2, " + form},
+        {"X:TraceType Al>\n", {}, ", line 1, " + form},
+        {"X:TraceType<Al>\n#" + std::string(255, 'x'), {}, ", line 2, is longer than 255 characters" + unused},
     };
     for (const auto &[configuration, settings, fault] : cases)
     {
@@ -308,9 +309,8 @@ TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
     EXPECT_EQ(SetDebugFlag(handle, kUnknownBit, true), NotFound);
     EXPECT_EQ(SetDebugFlagAll(kNoFlags, true), NotFound);
     EXPECT_EQ(SetDebugFlag(handle, kNoFlags, true), Success);
-    const std::string functions = "consolePrint filePrint customPrint mask ";
     expected = {Success, TRACE_INFO | TRACE_EXIT | TRACE_WARN | kUnknownBit, OUTPUT_FILE, FORMAT_FUNCTION | FORMAT_TAGS,
-                "log file globalFile " + functions + "callback "};
+                "log file globalFile consolePrint filePrint customPrint mask callback "};
     EXPECT_EQ(Describe(*handle), expected);
     // The first of several flags is set, in one order for one handle and in another for all.
     EXPECT_EQ(SetDebugFlag(handle, FLAG_SYNC_PACKAGE_FILE | FLAG_LOG_TO_PACKAGE_FILE, true), Success);
@@ -318,13 +318,13 @@ TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
     EXPECT_EQ(SetDebugFlag(handle, FLAG_THREADED | FLAG_LOCKED | kNoFlags, true), Success);
     EXPECT_EQ(SetDebugFlag(locked, FLAG_THREADED, true), Success);
     EXPECT_EQ(SetGlobalFileSyncAll(true), Success);
-    expected.on = "sync threaded globalSync file globalFile " + functions + "callback ";
+    expected.on = "sync threaded globalSync file globalFile consolePrint filePrint customPrint mask callback ";
     EXPECT_EQ(Describe(*handle), expected);
     EXPECT_EQ(Describe(*locked), Settings{.on = "locked threaded log globalSync "});
     EXPECT_EQ(SetDebugFlagAll(FLAG_SYNC_PACKAGE_FILE | FLAG_LOG_TO_PACKAGE_FILE, false), Success);
     EXPECT_EQ(SetDebugFlagAll(FLAG_LOCKED | FLAG_LOG_TO_PACKAGE_FILE, false), Success);
     EXPECT_EQ(SetTraceCallback(handle, nullptr), Success);
-    expected.on = "threaded globalSync file globalFile " + functions;
+    expected.on = "threaded globalSync file globalFile consolePrint filePrint customPrint mask ";
     EXPECT_EQ(Describe(*handle), expected);
     EXPECT_EQ(Describe(*locked), Settings{.on = "threaded log globalSync "});
     UnInitDebugHandle(handle);

@@ -18,7 +18,6 @@ TEST(CommandLine, SplitsAsWindowsProgramsDo)
 {
     const std::pair<const char *, std::vector<std::string>> cases[] = {
         {"", {}},
-        {"tool", {"tool"}},
         {R"("C:\Program Files\tool.exe" status)", {R"(C:\Program Files\tool.exe)", "status"}},
         {R"("C:\dir\"tool  a	b )", {R"(C:\dir\tool)", "a", "b"}},
         {R"(tool "C:\out dir\\" next)", {"tool", R"(C:\out dir\)", "next"}},

@@ -179,6 +179,7 @@ TEST_F(BIOSConfigurationLibTest, PairsOptionsWithWhatWasHeld)
         {"<list><o text='A' value='1'/><o text='B' value=''/></list>", {{"A", "1"}, {"B", "1"}}},
         {"<list><o value='1'/><o text='A'/></list>", {{"A", "1"}}},
         {" <list><o text='A' value='1'/></list>", {}}, // the first child is a blank
+        {"<!-- --><list><o text='A' value='1'/></list>", {}},
     };
     for (const auto &[children, options] : cases)
     {
