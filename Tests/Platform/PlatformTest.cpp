@@ -75,7 +75,8 @@ TEST(TextFile, LineFeedsAreWrittenAndReadAsPairs)
     EXPECT_TRUE(Platform::ReadTextFile(path, read));
     EXPECT_EQ(read, text);
 
-    WriteFile(directory.Path("folder/text"), "a\r\r\n\rb\r");
+    WriteFile(directory.Path("folder/text"), "\xEF\xBB\xBF"
+                                             "a\r\r\n\rb\r");
     EXPECT_TRUE(Platform::ReadTextFile(path, read));
     EXPECT_EQ(read, "a\r\n\rb\r");
 }
