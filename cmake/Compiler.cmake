@@ -23,7 +23,7 @@ if(like_gcc)
   add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
   add_compile_options(-ffunction-sections -fdata-sections)
 elseif(MSVC)
-  add_compile_options(/W4 /utf-8 /Zc:__cplusplus /Zc:preprocessor)
+  add_compile_options(/W4 /utf-8 /Zc:__cplusplus $<$<CXX_COMPILER_ID:MSVC>:/Zc:preprocessor>)
 endif()
 
 # What makes an error in handling memory harder to exploit; check-hardening.sh looks for it in the files.
