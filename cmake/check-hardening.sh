@@ -9,6 +9,7 @@ need() {
     grep -qE -- "$1" <<<"$3" || { echo "$2: no $1" >&2; failed=1; }
 }
 
+(($#)) || { sed -n 2,4p "$0" >&2; exit 2; }
 failed=0
 for file in "$@"; do
     if [[ $(head -c 2 "$file") == MZ ]]; then
