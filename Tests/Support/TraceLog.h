@@ -23,7 +23,7 @@ public:
         EXPECT_EQ(InitDebugHandle(componentName, &m_handle), StatusCode::Success);
         m_before = *m_handle;
         m_handle->traceType = levels == TRACE_ERROR ? std::uint64_t{TRACE_FAILURE} : levels;
-        m_errorsOnly = levels == TRACE_ERROR;
+        errorsOnly = levels == TRACE_ERROR;
         m_handle->traceFormat = FORMAT_TAGS | FORMAT_FUNCTION;
         m_handle->consolePrint = Collect;
     }
@@ -54,12 +54,12 @@ private:
         va_start(arguments, format);
         const int length = std::vsnprintf(text, sizeof text, format, arguments);
         va_end(arguments);
-        if (!m_errorsOnly || std::strstr(text, " **ERROR** "))
+        if (!errorsOnly || std::strstr(text, " **ERROR** "))
             Lines().emplace_back(text + 1); // without the line break in front
         return length;
     }
 
-    static inline bool m_errorsOnly = false;
+    static inline bool errorsOnly = false;
     DebugHandle_t *m_handle = nullptr;
     DebugHandle_t m_before;
 };
