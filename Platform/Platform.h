@@ -125,7 +125,9 @@ struct CloseStream
 };
 using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
 
-/// Opens a stdio stream as fopen does; children do not inherit it. Null when it cannot be opened, also for a directory.
+/// Opens a stdio stream as fopen does ("rb", "r+b", "wb", "ab"), without waiting; children do not inherit it. Null when
+/// it cannot be opened, also for a directory, for anything but a file that is to be read, and for a pipe that is to be
+/// written and that nobody reads.
 StreamOwner OpenStream(const std::string &path, const char *mode);
 
 /// Creates a file that is not there yet, for writing bytes; a link of that name is not followed. Null, with EEXIST in
@@ -143,8 +145,12 @@ bool CopyOwnership(const std::string &path, std::FILE *stream);
 /// Replaces `bytes` with what `stream` holds up to its end. Returns false when that cannot be read.
 bool ReadBytes(std::FILE *stream, std::string &bytes);
 
-/// Reads a whole text file; every pair of carriage return and line feed arrives as one line feed. Returns false when
-/// the file cannot be opened or read; `text` is then unchanged.
+/// What some editors put in front of a text in UTF-8.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// Reads a whole text file; every pair of carriage return and line feed arrives as one line feed, a UTF-8 byte-order
+/// mark in front of the text does not arrive. Returns false when the file cannot be opened or read; `text` is then
+/// unchanged.
 bool ReadTextFile(const std::string &path, std::string &text);
 
 /// Writes `text` to a binary stream; every line feed goes out as carriage return and line feed. Returns false when not

@@ -74,6 +74,8 @@ bool ReadTextFile(const std::string &path, std::string &text)
     if (!stream || !ReadBytes(stream.get(), bytes))
         return false;
     JoinLineEnds(bytes);
+    if (bytes.starts_with(kByteOrderMark))
+        bytes.erase(0, kByteOrderMark.size());
     text = std::move(bytes);
     return true;
 }

@@ -133,16 +133,6 @@ TEST_F(EndToEndTest, AProgrammedOptionIsInTheReportAfterTheRestart)
     EXPECT_NE(after.find("<Row>\"BootMode\", \"Legacy\""), std::string::npos);
 }
 
-TEST_F(EndToEndTest, BytesThatAreNotUtf8CostNoRow)
-{
-    m_machine.UseDump("<?xml version='1.0' encoding='ISO-8859-1'?><SYSTEM><biosknobs><k name='\xE9' prompt='&#x1F600; "
-                      "R&amp;D; &amp;amp;'/><k name='after'/></biosknobs></SYSTEM>");
-    const std::string report = Report(OutputKind::UiXml);
-    EXPECT_NE(report.find("<Row>\"&#xE9;\", \"\", \"&#x1F600; R&amp;D; &amp;amp;\", \"NA\"</Row>"), std::string::npos)
-        << report;
-    EXPECT_NE(report.find("<Row>\"after\""), std::string::npos) << report;
-}
-
 TEST_F(EndToEndTest, ErrorsGoToAFileThatMayBeMissingOrUnwritable)
 {
     m_machine.UseFault("exit:1");

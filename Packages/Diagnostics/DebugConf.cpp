@@ -172,7 +172,8 @@ Status DebugConfiguration::ReadLines(std::FILE *stream)
     {
         line += continues ? 0 : 1;
         const bool continued = std::exchange(continues, !std::strchr(buffer, '\n'));
-        const Status status = TakeLine(Squeeze(buffer));
+        const bool isMarked = line == 1 && !continued && std::string_view(buffer).starts_with(Platform::kByteOrderMark);
+        const Status status = TakeLine(Squeeze(buffer + (isMarked ? Platform::kByteOrderMark.size() : 0)));
         if (status != StatusCode::Success)
         {
             m_fault.line = line;

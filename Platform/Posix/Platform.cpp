@@ -28,6 +28,8 @@ namespace
 constexpr std::uint32_t kMillisecondsPerSecond = 1000;
 constexpr std::uint32_t kNanosecondsPerMillisecond = 1000000;
 constexpr mode_t kAllModeBits = 07777;
+/// As far as the umask lets.
+constexpr mode_t kForEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
 /// `path` as the system's own functions take it.
 std::string NativePath(const std::string &path)
@@ -72,15 +74,27 @@ public:
 
     bool IsOpen() const { return m_descriptor != -1; }
     int Get() const { return m_descriptor; }
+    void Release() { m_descriptor = -1; }
 
 private:
     int m_descriptor;
 };
 
-bool IsDirectory(std::FILE *stream)
+int OpenFlags(std::string_view mode)
+{
+    const int access = mode.find('+') != std::string_view::npos ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY;
+    return access | (mode[0] == 'w' ? O_CREAT | O_TRUNC : mode[0] == 'a' ? O_CREAT | O_APPEND : 0);
+}
+
+/// What is read has to be a file; what is written may be a device or a pipe, too.
+bool IsFit(int descriptor, bool isForReading)
 {
     struct stat status = {};
-    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+    if (fstat(descriptor, &status) != 0)
+        return false;
+    const bool isFit = S_ISREG(status.st_mode) || !(isForReading || S_ISDIR(status.st_mode));
+    errno = isFit ? 0 : EINVAL;
+    return isFit;
 }
 
 /// A pthread mutex that its holder may take again; false when the system has no more.
@@ -229,22 +243,25 @@ bool RemoveFile(const std::string &path)
 
 StreamOwner OpenStream(const std::string &path, const char *mode)
 {
-    StreamOwner stream(std::fopen(NativePath(path).c_str(), (std::string(mode) + "e").c_str()));
-    if (stream && IsDirectory(stream.get()))
-        stream.reset();
+    const bool isForReading = *mode == 'r';
+    // Without waiting for the other end of a pipe.
+    Descriptor descriptor(open(NativePath(path).c_str(), OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK, kForEverybody));
+    if (!descriptor.IsOpen() || !IsFit(descriptor.Get(), isForReading))
+        return nullptr;
+    fcntl(descriptor.Get(), F_SETFL, fcntl(descriptor.Get(), F_GETFL) & ~O_NONBLOCK);
+    StreamOwner stream(fdopen(descriptor.Get(), mode));
+    if (stream)
+        descriptor.Release();
     return stream;
 }
 
 StreamOwner CreateStream(const std::string &path)
 {
-    constexpr mode_t kForEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-    const int descriptor =
-        open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody);
-    if (descriptor == -1)
-        return nullptr;
-    StreamOwner stream(fdopen(descriptor, "wb"));
-    if (!stream)
-        close(descriptor);
+    Descriptor descriptor(
+        open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody));
+    StreamOwner stream(descriptor.IsOpen() ? fdopen(descriptor.Get(), "wb") : nullptr);
+    if (stream)
+        descriptor.Release();
     return stream;
 }
 
@@ -327,6 +344,7 @@ bool MonotonicMilliseconds(std::uint64_t &milliseconds)
 
 bool LocalTime(std::time_t time, std::tm &local)
 {
+    tzset(); // localtime_r alone does not look whether the time zone has changed
     return localtime_r(&time, &local) != nullptr;
 }
 

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
+#include <set>
 
 namespace
 {
@@ -19,21 +20,40 @@ using TestSupport::ReadFile;
 using TestSupport::WriteFile;
 using Handle = DebugHandle_t *;
 
-/// "traceType outputType traceFormat flags"; a letter for every flag that is on (capitals) or field that is not as in a
-/// new handle.
-std::string Describe(const DebugHandle_t &handle)
+/// What an open gave: its status and the settings of the handle, if there is one. As they stand here they are a new
+/// handle's.
+struct Settings
 {
-    std::string settings = std::to_string(handle.traceType) + ' ' + std::to_string(handle.outputType) + ' ' +
-                           std::to_string(handle.traceFormat) + ' ';
-    for (const auto &[on, letter] :
-         {std::pair(handle.syncPackageFile, 'S'), std::pair(handle.locked, 'L'), std::pair(handle.threaded, 'T'),
-          std::pair(handle.logToPackageFile, 'P'), std::pair(handle.syncGlobalFile, 'G'),
-          std::pair(handle.packageFile != nullptr, 'p'), std::pair(handle.globalFile != nullptr, 'g'),
-          std::pair(handle.consolePrint != DebugHandle_t().consolePrint, 'o'),
-          std::pair(handle.filePrint != DebugHandle_t().filePrint, 'f'), std::pair(handle.customPrint != nullptr, 'u'),
-          std::pair(handle.callbackMask != TRACE_ALL, 'm'), std::pair(handle.callback != nullptr, 'c')})
-        settings += on ? std::string(1, letter) : "";
-    return settings;
+    Status status = Success;
+    std::uint64_t levels = 0, sinks = OUTPUT_CONSOLE;
+    std::uint32_t fields = FORMAT_ALL;
+    /// The flags that are on, and what has been set, in the order in which Describe asks for them.
+    std::string_view on = "log ";
+
+    bool operator==(const Settings &other) const = default;
+    friend void PrintTo(const Settings &settings, std::ostream *stream)
+    {
+        *stream << "status " << settings.status << ", levels " << settings.levels << ", sinks " << settings.sinks
+                << ", fields " << settings.fields << ", on: " << settings.on;
+    }
+};
+
+Settings Describe(const DebugHandle_t &handle)
+{
+    static std::set<std::string> kept; // the texts that settings point to
+    const DebugHandle_t fresh;
+    std::string on;
+    for (const auto &[isOn, name] :
+         {std::pair(handle.syncPackageFile, "sync "), std::pair(handle.locked, "locked "),
+          std::pair(handle.threaded, "threaded "), std::pair(handle.logToPackageFile, "log "),
+          std::pair(handle.syncGlobalFile, "globalSync "), std::pair(handle.packageFile != nullptr, "file "),
+          std::pair(handle.globalFile != nullptr, "globalFile "),
+          std::pair(handle.consolePrint != fresh.consolePrint, "consolePrint "),
+          std::pair(handle.filePrint != fresh.filePrint, "filePrint "),
+          std::pair(handle.customPrint != nullptr, "customPrint "),
+          std::pair(handle.callbackMask != TRACE_ALL, "mask "), std::pair(handle.callback != nullptr, "callback ")})
+        on += isOn ? name : "";
+    return {Success, handle.traceType, handle.outputType, handle.traceFormat, *kept.insert(on).first};
 }
 
 Handle Open(const char *name)
@@ -68,12 +88,13 @@ protected:
     void TearDown() override { fs::current_path(fs::temp_directory_path()); }
 
     /// What a handle of the component X gets from the file.
-    static std::string Settings(const std::string &configuration)
+    static Settings SettingsFrom(const std::string &configuration)
     {
         WriteFile("debug.conf", configuration);
         Handle handle = nullptr;
         const Status status = InitDebugHandle("X", &handle);
-        std::string settings = handle ? Describe(*handle) : std::to_string(status);
+        Settings settings = handle ? Describe(*handle) : Settings();
+        settings.status = status;
         UnInitDebugHandle(handle);
         return settings;
     }
@@ -83,36 +104,45 @@ protected:
 
 TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
 {
-    const std::string unchanged = "0 1 15 P", unused = "; no trace setting takes effect";
+    const std::string unused = "; no trace setting takes effect";
     const std::string form = "is not of the form NAME : KEY < VALUE >" + unused, text63(63, 'x');
     const struct
     {
-        std::string configuration, settings, fault;
+        std::string configuration;
+        Settings settings;
+        std::string fault = "";
     } cases[] = {
-        {"[GLOBAL]\r\n # comment\n\n[PACK AGES]\n#" + std::string(254, 'x') + "\r\n", unchanged, ""},
-        {"Y:TraceType<Al>\nX" + text63 + ":TraceType<Al>\n", unchanged, ""},
-        {" X : \vTrace\fType < En\tEx > behind #\r\nX:SyncFlag<Y>", "33 1 15 P", ""},
-        {"X:TraceType<EnNoEx>\nX:OutputType<Al>\nX:TraceFormatType<FnTd>\n", "32 7 9 P", ""},
-        {"X:TraceType<PaWaInEr>\nX:OutputType<FiIn>\nX:TraceFormatType<LnTi>\n", "30 6 6 P", ""},
-        {"X:TraceType<En>\nX:OutputType<No>\nX:TraceType<>\nX:TraceFormatType<Al>\n", "0 0 15 P", ""},
-        {"X:TraceType<Al>\nX:OutputType<Co>\nX:DebugFlagsType<SyTr>\n", "63 1 15 ST", ""},
-        {"X:DebugFlagsType<SyTrNoLoLg>\n", "0 1 15 LP", ""},
-        {"X:TraceType<En>\nGlobal:TraceType<Er>\nGlobal:SyncFlag<Y>\nX:OutputType<CoFi>\n", "16 3 15 PG", ""},
-        {"X:FileName<x.log>\nGlobal:FileName<all.log>\nGlobal:SyncFlag<y>\n", "0 1 15 Ppg", ""},
-        {"X:FileName<" + text63 + "/x.log>\n", "0 1 15 Pp", ""},
-        {"Y:FileName<no/y>\n", unchanged, ", the log file \"no/y\" cannot be written; there are no traces of Y"},
-        {"Global:FileName<>\n", "5", ", the log file \"\" cannot be written; there are no traces at all"},
+        {"[GLOBAL]\r\n # comment\n\n[PACK AGES]\n#" + std::string(254, 'x') + "\r\n", {}},
+        {"Y:TraceType<Al>\nX" + text63 + ":TraceType<Al>\n", {}},
+        {" X : \vTrace\fType < En\tEx > behind #\r\nX:SyncFlag<Y>", {.levels = TRACE_ENTRY | TRACE_EXIT}},
+        {"X:TraceType<EnNoEx>\nX:OutputType<Al>\nX:TraceFormatType<FnTd>\n",
+         {.levels = TRACE_EXIT, .sinks = OUTPUT_ALL, .fields = FORMAT_FUNCTION | FORMAT_TAGS}},
+        {"X:TraceType<PaWaInEr>\nX:OutputType<FiIn>\nX:TraceFormatType<LnTi>\n",
+         {.levels = TRACE_ALL & ~(TRACE_ENTRY | TRACE_EXIT),
+          .sinks = OUTPUT_FILE | OUTPUT_CUSTOM,
+          .fields = FORMAT_LINE | FORMAT_TIME}},
+        {"X:TraceType<En>\nX:OutputType<No>\nX:TraceType<>\nX:TraceFormatType<Al>\n", {.sinks = 0}},
+        {"X:TraceType<Al>\nX:OutputType<Co>\nX:DebugFlagsType<SyTr>\n", {.levels = TRACE_ALL, .on = "sync threaded "}},
+        {"X:DebugFlagsType<SyTrNoLoLg>\n", {.on = "locked log "}},
+        {"X:TraceType<En>\nGlobal:TraceType<Er>\nGlobal:SyncFlag<Y>\nX:OutputType<CoFi>\n",
+         {.levels = TRACE_ERROR, .sinks = OUTPUT_CONSOLE | OUTPUT_FILE, .on = "log globalSync "}},
+        {"X:FileName<x.log>\nGlobal:FileName<all.log>\nGlobal:SyncFlag<y>\n", {.on = "log file globalFile "}},
+        {"X:FileName<" + text63 + "/x.log>\n", {.on = "log file "}},
+        {"Y:FileName<no/y>\n", {}, ", the log file \"no/y\" cannot be written; there are no traces of Y"},
+        {"Global:FileName<>\n",
+         {.status = Failed},
+         ", the log file \"\" cannot be written; there are no traces at all"},
         // One bad line, and no setting counts.
-        {"X:TraceType<Al>\nX:TraceType<EnE>\n", unchanged, ", line 2, holds a code of one character" + unused},
-        {"X:TraceType<Al>\n\nX:OutputType<En>", unchanged, ", line 3, holds an unknown code" + unused},
-        {"X:Colour<Al>\nX:TraceType<Al>\n", unchanged, ", line 1, holds an unknown key" + unused},
-        {"X:TraceType<Al>\nX:TraceType<Al\n", unchanged, ", line 2, " + form},
-        {"X:TraceType Al>\n", unchanged, ", line 1, " + form},
-        {"X:TraceType<Al>\n#" + std::string(255, 'x'), unchanged, ", line 2, is longer than 255 characters" + unused},
+        {"X:TraceType<Al>\nX:TraceType<EnE>\n", {}, ", line 2, holds a code of one character" + unused},
+        {"X:TraceType<Al>\n\nX:OutputType<En>", {}, ", line 3, holds an unknown code" + unused},
+        {"X:Colour<Al>\nX:TraceType<Al>\n", {}, ", line 1, holds an unknown key" + unused},
+        {"X:TraceType<Al>\nX:TraceType<Al\n", {}, ", line 2, " + form},
+        {"X:TraceType Al>\n", {}, ", line 1, " + form},
+        {"X:TraceType<Al>\n#" + std::string(255, 'x'), {}, ", line 2, is longer than 255 characters" + unused},
     };
     for (const auto &[configuration, settings, fault] : cases)
     {
-        EXPECT_EQ(Settings(configuration), settings) << configuration;
+        EXPECT_EQ(SettingsFrom(configuration), settings) << configuration;
         const std::vector<std::string> faults = CheckDebugConf();
         EXPECT_EQ(faults.empty() ? "debug.conf" : faults.at(0), "debug.conf" + fault) << configuration;
     }
@@ -160,9 +190,11 @@ TEST_F(DebugConfTest, LinesGoToTheSinksOfTheirHandlesWithoutAllocating)
     const DebugHandle_t closed{.componentName = "A"};
     const auto trace = [](const DebugHandle_t *handle, const void *data, std::size_t length)
     { return DebugTraceValues(handle, TRACE_ERROR, data, length, "", "F", 9); };
-    EXPECT_EQ(trace(nullptr, bytes, 9) + trace(handles[1], nullptr, 9), 2 * Missing);
+    EXPECT_EQ(trace(nullptr, bytes, 9), Missing);
+    EXPECT_EQ(trace(handles[1], nullptr, 9), Missing);
     EXPECT_EQ(trace(&closed, bytes, 9), NotFound);
-    EXPECT_TRUE(trace(handles[1], bytes, 0) == Success && trace(handles[1], bytes, 9) == Success);
+    for (const std::size_t length : {0, 9})
+        EXPECT_EQ(trace(handles[1], bytes, length), Success);
     for (const Handle handle : {handles[1], handles[2], handles[3]})
         UnInitDebugHandle(handle);
     const std::string banner =
@@ -180,16 +212,18 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
 {
     WriteFile("debug.conf", "X:TraceType<bad>\n");
     Handle first = Open("Y"), other = Open("y"), empty = Open("");
-    EXPECT_EQ(Settings("X:TraceType<Al>\n"), "0 1 15 P");
+    EXPECT_EQ(SettingsFrom("X:TraceType<Al>\n"), Settings());
     EXPECT_TRUE(Open("Y") == first && other != first && empty != first && first->refCount == 2);
     EXPECT_TRUE(first->state == 1 && first->mutex);
     DebugHandle_t closed{.componentName = "Y"};
     for (const Handle handle : {first, first, other, empty})
         EXPECT_EQ(UnInitDebugHandle(handle), Success);
     EXPECT_EQ(UnInitDebugHandle(&closed), Failed);
-    EXPECT_EQ(UnInitDebugHandle(nullptr) + InitDebugHandle("Y", nullptr), 2 * Missing);
+    EXPECT_EQ(UnInitDebugHandle(nullptr), Missing);
+    EXPECT_EQ(InitDebugHandle("Y", nullptr), Missing);
     EXPECT_TRUE(InitDebugHandle(nullptr, &first) == Missing && !first);
-    EXPECT_EQ(Settings("X:TraceType<Al>\nX:FileName<whose name takes memory.log>\n"), "63 1 15 Pp");
+    EXPECT_EQ(SettingsFrom("X:TraceType<Al>\nX:FileName<whose name takes memory.log>\n"),
+              (Settings{.levels = TRACE_ALL, .on = "log file "}));
     // An open without memory gives no handle or a good one, and keeps nothing that failed.
     for (long succeeding = 0; succeeding < 12; ++succeeding)
     {
@@ -199,15 +233,22 @@ TEST_F(DebugConfTest, IsReadAgainOnlyAfterTheLastRelease)
         UnInitDebugHandle(handle);
     }
     char version[kDebugVersionSize] = {};
-    EXPECT_EQ(GetDebugLibVersion(version) + GetDebugLibVersion(nullptr), Success + Missing);
-    EXPECT_EQ(std::string(version) + (version + 3) + (version + 6) + (version + 11), "020001001");
+    EXPECT_EQ(GetDebugLibVersion(version), Success);
+    EXPECT_EQ(GetDebugLibVersion(nullptr), Missing);
+    EXPECT_EQ(std::string(version, kDebugVersionSize), std::string("02\00000\0"
+                                                                   "0\0\0\0\0"
+                                                                   "1001\0",
+                                                                   kDebugVersionSize));
 }
+
+/// A bit that no mask has, and those that SetDebugFlag accepts without a flag behind them.
+constexpr std::uint32_t kUnknownBit = 64, kNoFlags = 16 | 32;
 
 constexpr TraceCallback_t kCallBack = [](std::uint32_t, const char *, std::uint32_t) { return Success; };
 
 std::vector<Status> SetEverything(Handle handle)
 {
-    return {SetTraceType(handle, TRACE_WARN | 64, true),
+    return {SetTraceType(handle, TRACE_WARN | kUnknownBit, true),
             SetOutputType(handle, OUTPUT_CONSOLE, false),
             SetTraceFormat(handle, FORMAT_TIME, false),
             SetPackageFile(handle, stdout),
@@ -244,27 +285,48 @@ TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)
     DebugHandle_t closed{.componentName = "X"};
     EXPECT_EQ(SetEverything(&closed), refused);
     EXPECT_EQ(SetEverything(nullptr), std::vector<Status>(9, Missing));
-    EXPECT_EQ(SetAll(2), all);
+    EXPECT_EQ(SetAll(TRACE_INFO), all);
     const Handle handle = Open("X"), locked = Open("Y");
-    EXPECT_EQ(SetDebugFlag(locked, FLAG_LOCKED, true) + SetGlobalFileAll(stdout), 2 * Success);
+    EXPECT_EQ(SetDebugFlag(locked, FLAG_LOCKED, true), Success);
+    EXPECT_EQ(SetGlobalFileAll(stdout), Success);
     EXPECT_EQ(SetEverything(locked), refused);
+    // Whether the bit 2 is a level, a sink or a field.
     EXPECT_EQ(SetAll(2), all);
-    EXPECT_EQ(SetAll(64), std::vector<Status>(3, NotFound));
-    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "2 3 13 Pg/0 1 15 LP");
+    EXPECT_EQ(SetAll(kUnknownBit), std::vector<Status>(3, NotFound));
+    // A level, but neither a sink nor a field.
+    EXPECT_EQ(SetAll(TRACE_EXIT), (std::vector{Success, NotFound, NotFound}));
+    Settings expected = {Success, TRACE_INFO | TRACE_EXIT, OUTPUT_CONSOLE | OUTPUT_FILE, FORMAT_ALL & ~FORMAT_LINE,
+                         "log globalFile "};
+    EXPECT_EQ(Describe(*handle), expected);
+    EXPECT_EQ(Describe(*locked), Settings{.on = "locked log "});
     EXPECT_EQ(SetEverything(handle), std::vector<Status>(9, Success));
-    EXPECT_EQ(SetGlobalFileAll(nullptr) + SetPackageFile(handle, nullptr) + SetDebugFlag(nullptr, 64, true),
-              3 * Missing);
-    EXPECT_EQ(SetTraceType(handle, 64, true) + SetDebugFlag(handle, 64, true) + SetDebugFlagAll(16, true),
-              3 * NotFound);
-    EXPECT_EQ(SetDebugFlag(handle, 48, true), Success);
-    EXPECT_EQ(Describe(*handle), "74 2 9 Ppgofumc");
+    EXPECT_EQ(SetGlobalFileAll(nullptr), Missing);
+    EXPECT_EQ(SetPackageFile(handle, nullptr), Missing);
+    EXPECT_EQ(SetDebugFlag(nullptr, kUnknownBit, true), Missing);
+    EXPECT_EQ(SetTraceType(handle, kUnknownBit, true), NotFound);
+    EXPECT_EQ(SetOutputType(handle, TRACE_EXIT, true), NotFound);
+    EXPECT_EQ(SetTraceFormat(handle, TRACE_EXIT, true), NotFound);
+    EXPECT_EQ(SetDebugFlag(handle, kUnknownBit, true), NotFound);
+    EXPECT_EQ(SetDebugFlagAll(kNoFlags, true), NotFound);
+    EXPECT_EQ(SetDebugFlag(handle, kNoFlags, true), Success);
+    expected = {Success, TRACE_INFO | TRACE_EXIT | TRACE_WARN | kUnknownBit, OUTPUT_FILE, FORMAT_FUNCTION | FORMAT_TAGS,
+                "log file globalFile consolePrint filePrint customPrint mask callback "};
+    EXPECT_EQ(Describe(*handle), expected);
     // The first of several flags is set, in one order for one handle and in another for all.
-    EXPECT_EQ(SetDebugFlag(handle, 9, true) + SetDebugFlag(handle, 14, false) + SetDebugFlag(handle, 38, true),
-              3 * Success);
+    EXPECT_EQ(SetDebugFlag(handle, FLAG_SYNC_PACKAGE_FILE | FLAG_LOG_TO_PACKAGE_FILE, true), Success);
+    EXPECT_EQ(SetDebugFlag(handle, FLAG_LOG_TO_PACKAGE_FILE | FLAG_THREADED | FLAG_LOCKED, false), Success);
+    EXPECT_EQ(SetDebugFlag(handle, FLAG_THREADED | FLAG_LOCKED | kNoFlags, true), Success);
+    EXPECT_EQ(SetDebugFlag(locked, FLAG_THREADED, true), Success);
     EXPECT_EQ(SetGlobalFileSyncAll(true), Success);
-    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 STGpgofumc/0 1 15 LPG");
-    EXPECT_EQ(SetDebugFlagAll(9, false) + SetDebugFlagAll(10, false) + SetTraceCallback(handle, nullptr), 3 * Success);
-    EXPECT_EQ(Describe(*handle) + '/' + Describe(*locked), "74 2 9 TGpgofum/0 1 15 PG");
+    expected.on = "sync threaded globalSync file globalFile consolePrint filePrint customPrint mask callback ";
+    EXPECT_EQ(Describe(*handle), expected);
+    EXPECT_EQ(Describe(*locked), Settings{.on = "locked threaded log globalSync "});
+    EXPECT_EQ(SetDebugFlagAll(FLAG_SYNC_PACKAGE_FILE | FLAG_LOG_TO_PACKAGE_FILE, false), Success);
+    EXPECT_EQ(SetDebugFlagAll(FLAG_LOCKED | FLAG_LOG_TO_PACKAGE_FILE, false), Success);
+    EXPECT_EQ(SetTraceCallback(handle, nullptr), Success);
+    expected.on = "threaded globalSync file globalFile consolePrint filePrint customPrint mask ";
+    EXPECT_EQ(Describe(*handle), expected);
+    EXPECT_EQ(Describe(*locked), Settings{.on = "threaded log globalSync "});
     UnInitDebugHandle(handle);
     UnInitDebugHandle(locked);
 }

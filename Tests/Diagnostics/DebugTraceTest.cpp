@@ -43,7 +43,9 @@ int PrintToFile(std::FILE *stream, const char *format, ...)
 
 Status CallBack(std::uint32_t level, const char *message, std::uint32_t size)
 {
-    written += std::to_string(level) + ':' + message + ':' + std::to_string(size);
+    written.append("callback:").append(message);
+    EXPECT_EQ(level, TRACE_WARN);
+    EXPECT_EQ(size, 281U);
     return StatusCode::Failed;
 }
 
@@ -69,39 +71,43 @@ TEST(DebugTrace, WritesItsFieldsToTheSinksThatAreSelected)
     const std::string fits(94, 'f'), tooLong(95, 'f'), tooLongWithLine(89, 'f');
     const struct
     {
-        std::uint64_t traceType, outputType;
-        std::uint32_t format, level, line;
-        std::string function, message, expected;
+        std::uint64_t traceType = TRACE_ALL, outputType = OUTPUT_CONSOLE;
+        std::uint32_t format = 0, level = TRACE_ERROR, line = 1;
+        std::string function = "F", message = "x", lines;
     } cases[] = {
-        {63, 1, 11, TRACE_ENTRY, 48, "F", "x\n", "console:\n -->  Fn:F Ln:48 x\n"},
-        {63, 1, 8, TRACE_ALL, 1, "F", "x", "8:x:281console:\n Info  PARAM  WARN  **ERROR**  -->  <--  x"},
-        {16, 1, 11, TRACE_FAILURE, 120, "F", "x", "console:\n **ERROR**  Fn:F Ln:120 x"},
-        {32, 1, 11, TRACE_ERROR, 120, "F", "x", ""},
-        {63, 1, 3, TRACE_FAILURE, 120, "F", "x", "console:\n Fn:F Ln:120 x"},
-        {63, 1, 2, TRACE_ERROR, 999999, "F", "x", "console:\n Ln:999999 x"},
-        {63, 1, 2, TRACE_ERROR, 1234567, "F", "x", "console:\n Ln: x"},
-        {63, 1, 1, TRACE_ERROR, 1, fits, "x", "console:\n Fn:" + fits + " x"},
-        {63, 1, 1, TRACE_ERROR, 1, tooLong, "x", "console: x"},
-        {63, 1, 3, TRACE_ERROR, 120, tooLongWithLine, "x", "console: x"},
-        {63, 1, 0, TRACE_ERROR, 1, "F", std::string(300, 'm'), "console:\n " + std::string(255, 'm')},
-        {63, 5, 0, TRACE_ERROR, 1, "F", "x", "console:\n xconsole:\n x"},
-        {63, 7, 0, TRACE_ERROR, 1, "F", "x", "console:\n xpackage:\n xglobal:\n xconsole:\n x"},
-        {63, 4, 0, TRACE_WARN | TRACE_EXIT, 1, "F", "x", "8:x:281"},
-        {55, 7, 0, TRACE_WARN, 1, "F", "x", "8:x:281"},
+        {.format = FORMAT_ALL & ~FORMAT_TIME,
+         .level = TRACE_ENTRY,
+         .message = "x\n",
+         .lines = "console:\n -->  Fn:F Ln:1 x\n"},
+        {.format = FORMAT_TAGS,
+         .level = TRACE_ALL,
+         .lines = "callback:xconsole:\n Info  PARAM  WARN  **ERROR**  -->  <--  x"},
+        {.traceType = TRACE_ERROR, .format = FORMAT_TAGS, .level = TRACE_FAILURE, .lines = "console:\n **ERROR**  x"},
+        {.traceType = TRACE_EXIT, .lines = ""},
+        {.format = FORMAT_LINE, .line = 999999, .lines = "console:\n Ln:999999 x"},
+        {.format = FORMAT_LINE, .line = 1234567, .lines = "console:\n Ln: x"},
+        {.format = FORMAT_FUNCTION, .function = fits, .lines = "console:\n Fn:" + fits + " x"},
+        {.format = FORMAT_FUNCTION, .function = tooLong, .lines = "console: x"},
+        {.format = FORMAT_FUNCTION | FORMAT_LINE, .line = 120, .function = tooLongWithLine, .lines = "console: x"},
+        {.message = std::string(300, 'm'), .lines = "console:\n " + std::string(255, 'm')},
+        {.outputType = OUTPUT_CONSOLE | OUTPUT_CUSTOM, .lines = "console:\n xconsole:\n x"},
+        {.outputType = OUTPUT_ALL, .lines = "console:\n xpackage:\n xglobal:\n xconsole:\n x"},
+        {.outputType = OUTPUT_CUSTOM, .level = TRACE_WARN | TRACE_EXIT, .lines = "callback:x"},
+        {.traceType = TRACE_ALL & ~TRACE_WARN, .outputType = OUTPUT_ALL, .level = TRACE_WARN, .lines = "callback:x"},
     };
     for (const auto &row : cases)
     {
         const DebugHandle_t handle = MakeHandle(row.traceType, row.outputType, row.format);
         EXPECT_EQ(DebugTrace(&handle, "file", row.function.c_str(), row.line, row.level, "%s", row.message.c_str()),
                   StatusCode::Success);
-        EXPECT_EQ(written, row.expected);
+        EXPECT_EQ(written, row.lines);
     }
 }
 
 TEST(DebugTrace, NeedsAHandleButNoNameAndNoMessage)
 {
     EXPECT_EQ(DebugTrace(nullptr, "file", "function", 1, TRACE_ERROR, "text"), StatusCode::Missing);
-    const DebugHandle_t handle = MakeHandle(63, 1, FORMAT_FUNCTION | FORMAT_TIME);
+    const DebugHandle_t handle = MakeHandle(TRACE_ALL, OUTPUT_CONSOLE, FORMAT_FUNCTION | FORMAT_TIME);
     DebugTrace(&handle, "file", nullptr, 1, TRACE_ERROR, "%s", "");
     EXPECT_TRUE(written.starts_with("console:\n Fn:(null) TS:")) << written;
     EXPECT_EQ(written.find_first_not_of("0123456789", 23), written.size() - 1) << written;
@@ -109,7 +115,7 @@ TEST(DebugTrace, NeedsAHandleButNoNameAndNoMessage)
 
 TEST(DebugTrace, PrintFunctionsOfTheLibraryAndOfOthersGetTheSameLine)
 {
-    DebugHandle_t handle = MakeHandle(63, 7, 0);
+    DebugHandle_t handle = MakeHandle(TRACE_ALL, OUTPUT_ALL, 0);
     handle.filePrint = DebugHandle_t().filePrint;
     handle.packageFile = nullptr;
     testing::internal::CaptureStdout();
@@ -136,7 +142,7 @@ TEST(FunctionTrace, TellsWhatAnExceptionWas)
     EXPECT_EQ(end([] { throw std::bad_alloc(); }), StatusCode::NoMemory);
     EXPECT_EQ(end([] { std::string().resize(std::string::npos); }), StatusCode::NoMemory);
     EXPECT_EQ(end([] { throw std::runtime_error("x"); }), StatusCode::Failed);
-    const std::string line = " **ERROR**  Fn:F ";
+    const std::string line = " **ERROR**  <--  Fn:F ";
     EXPECT_EQ(TraceLog::Take(), (std::vector<std::string>{line + "out of memory\n", line + "out of memory\n",
                                                           line + "unexpected exception\n"}));
 }

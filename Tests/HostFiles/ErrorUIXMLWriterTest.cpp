@@ -70,7 +70,7 @@ TEST_F(ErrorFileTest, KeepsWhatCanBeParsedAndReplacesWhatCannot)
         WriteFile(m_path, before);
         EXPECT_EQ(Write("M", "T"), StatusCode::Success);
         EXPECT_EQ(MaskTimes(ReadFile(m_path)), kDeclaration + after + '\n') << before;
-        const std::string function = " **ERROR**  Fn:ErrorUIXMLWriter::GetRootNodeFromExistingXML ";
+        const std::string function = " **ERROR**  <--  Fn:ErrorUIXMLWriter::GetRootNodeFromExistingXML ";
         const std::vector<std::string> expected = {function + line + m_path + "]\n"};
         EXPECT_EQ(TraceLog::Take(), *line ? expected : std::vector<std::string>()) << before;
     }
@@ -85,7 +85,7 @@ TEST_F(ErrorFileTest, TellsWhyNothingWasWritten)
 {
     const TraceLog log("ErrorUIXMLWriter", TRACE_ERROR);
     WriteFile(m_path, "<Tool/>");
-    const std::string fn = " **ERROR**  Fn:ErrorUIXMLWriter::";
+    const std::string fn = " **ERROR**  <--  Fn:ErrorUIXMLWriter::";
     EXPECT_EQ(WriteErrorEntry(m_path.c_str(), "m", "t", "f", nullptr, "d"), StatusCode::NotFound);
     EXPECT_EQ(WriteErrorEntry(nullptr, "m", "t", "f", "7", "d"), StatusCode::NotFound);
     EXPECT_EQ(WriteErrorEntry("", "m", "t", "f", "7", "d"), StatusCode::NotFound);
@@ -96,7 +96,8 @@ TEST_F(ErrorFileTest, TellsWhyNothingWasWritten)
     EXPECT_EQ(ReadFile(m_path), "<Tool/>");
     m_path = m_directory.Path("no folder/Error.xml");
     EXPECT_EQ(Write("M", "T"), StatusCode::Failed);
-    EXPECT_EQ(TraceLog::Take(), std::vector{fn + "SaveDataFile CCXmlSave failed with 5\n"});
+    EXPECT_EQ(TraceLog::Take(),
+              std::vector<std::string>{" **ERROR**  Fn:ErrorUIXMLWriter::SaveDataFile CCXmlSave failed with 5\n"});
 
     ErrorUIXMLWriter writer;
     EXPECT_EQ(writer.Initialize("", "f"), StatusCode::NotFound);

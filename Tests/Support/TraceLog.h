@@ -3,6 +3,7 @@
 #include "DebugHandle.h"
 
 #include <cstdarg>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
@@ -12,7 +13,7 @@ namespace TestSupport
 {
 
 /// Everything that one component traces while the object lives: level tags, function and message of each line, as
-/// " <--  Fn:readKnob readKnob\n".
+/// " <--  Fn:readKnob readKnob\n". With TRACE_ERROR the lines of errors alone, also with the tag of a way out.
 class TraceLog
 {
 public:
@@ -21,7 +22,8 @@ public:
         Lines().clear();
         EXPECT_EQ(InitDebugHandle(componentName, &m_handle), StatusCode::Success);
         m_before = *m_handle;
-        m_handle->traceType = levels;
+        m_handle->traceType = levels == TRACE_ERROR ? std::uint64_t{TRACE_FAILURE} : levels;
+        m_errorsOnly = levels == TRACE_ERROR;
         m_handle->traceFormat = FORMAT_TAGS | FORMAT_FUNCTION;
         m_handle->consolePrint = Collect;
     }
@@ -52,10 +54,12 @@ private:
         va_start(arguments, format);
         const int length = std::vsnprintf(text, sizeof text, format, arguments);
         va_end(arguments);
-        Lines().emplace_back(text + 1); // without the line break in front
+        if (!m_errorsOnly || std::strstr(text, " **ERROR** "))
+            Lines().emplace_back(text + 1); // without the line break in front
         return length;
     }
 
+    static inline bool m_errorsOnly = false;
     DebugHandle_t *m_handle = nullptr;
     DebugHandle_t m_before;
 };

@@ -22,6 +22,9 @@ Outcome RunBiosconfig(const std::string &arguments)
     return RunCaptured("\"" BIOSCONFIG_PROGRAM "\" " + arguments);
 }
 
+/// What the program ends with.
+constexpr std::uint32_t kDone = 0, kNotDone = 1, kWrongUsage = 2, kNoModule = 3, kNotReady = 4, kNotWritten = 5;
+
 /// A report file's text as it was in the module's buffer.
 std::string BufferOf(const std::string &reportFile)
 {
@@ -58,8 +61,8 @@ protected:
 TEST_F(BiosconfigTest, OutputIsTheReportAloneAndTheToolsOwnOutputIsAMessage)
 {
     const Outcome outcome = RunBiosconfig("report --tool-dir tools");
-    EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
-    EXPECT_TRUE(outcome.output.starts_with("<?xml version=\"1.0\"?>\n<TreeItem Name=\"BIOS Options\">"));
+    EXPECT_EQ(outcome.exitCode, kDone) << outcome.messages;
+    EXPECT_FALSE(fs::exists("tools/Error.xml"));
     EXPECT_EQ(outcome.output, BufferOf("tools/ModuleData/bios options_UI_XML"));
     EXPECT_NE(outcome.messages.find(TOOL_MESSAGE), std::string::npos) << outcome.messages;
 }
@@ -68,7 +71,7 @@ TEST_F(BiosconfigTest, ReplacesTheOutputFileAndLeavesNothingBeside)
 {
     WriteFile("out/report.xml", "old");
     const Outcome outcome = RunBiosconfig("report --tool-dir tools --option \"bios options\" -o out/report.xml");
-    EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
+    EXPECT_EQ(outcome.exitCode, kDone) << outcome.messages;
     EXPECT_EQ(outcome.output, "");
     EXPECT_EQ(ReadFile("out/report.xml"), BufferOf("tools/ModuleData/bios options_UI_XML"));
     EXPECT_EQ(FilesIn("out"), 1);
@@ -82,10 +85,10 @@ TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRu
     const Outcome toFile = RunBiosconfig("report --tool-dir tools -o out/report.xml");
     const Outcome toOutput = RunBiosconfig("report --tool-dir tools");
 
-    EXPECT_EQ(toFile.exitCode, 1U);
+    EXPECT_EQ(toFile.exitCode, kNotDone);
     EXPECT_EQ(ReadFile("out/report.xml"), "old");
     EXPECT_EQ(FilesIn("out"), 1);
-    EXPECT_EQ(toOutput.exitCode, 1U);
+    EXPECT_EQ(toOutput.exitCode, kNotDone);
     EXPECT_NE(toOutput.output.find("FENRIK is not enabled on this platform"), std::string::npos);
     for (const std::string &messages : {toFile.messages, toOutput.messages})
     {
@@ -103,8 +106,8 @@ TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
     {
         std::uint32_t exitCode = 0;
         for (int run = 0; run < kRuns; ++run)
-            EXPECT_TRUE(Platform::RunCommand(
-                "\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode));
+            EXPECT_TRUE(
+                Platform::RunCommand("\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode));
         EXPECT_EQ(exitCode, 1U);
     };
     std::thread processes[] = {std::thread(fail), std::thread(fail), std::thread(fail), std::thread(fail)};
@@ -122,7 +125,7 @@ TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
 {
     const EnvironmentSetting toolDirectory("BIOSCONFIG_TOOL_DIR", "tools/");
     const Outcome outcome = RunBiosconfig("capabilities");
-    EXPECT_EQ(outcome.exitCode, 0U) << outcome.messages;
+    EXPECT_EQ(outcome.exitCode, kDone) << outcome.messages;
     EXPECT_EQ(outcome.output, "bios options\tAll setup options of this machine's BIOS\n");
 }
 
@@ -130,7 +133,7 @@ TEST_F(BiosconfigTest, TheHostOfTheGuideMakesTheSameReport)
 {
     const EnvironmentSetting programFiles("ProgramFiles", m_directory.Path("Program Files"));
     const Outcome outcome = RunCaptured("\"" MINIMAL_HOST "\" \"" MODULE_FILE "\" tools/");
-    EXPECT_EQ(outcome.exitCode, 0U);
+    EXPECT_EQ(outcome.exitCode, kDone);
     EXPECT_EQ(outcome.messages, "BIOS Options: bios options\n");
     EXPECT_TRUE(outcome.output.ends_with(BufferOf("tools/ModuleData/bios options_UI_XML")));
 }
@@ -139,14 +142,14 @@ TEST_F(BiosconfigTest, AnUpdateShowsTheModulesMessage)
 {
     WriteFile("bench.ini", "BootFast==1");
     const Outcome updated = RunBiosconfig("update --tool-dir tools bench.ini");
-    EXPECT_EQ(updated.exitCode, 0U) << updated.messages;
+    EXPECT_EQ(updated.exitCode, kDone) << updated.messages;
     EXPECT_TRUE(updated.output.starts_with("BIOS settings updated successfully. ")) << updated.output;
     EXPECT_TRUE(updated.output.ends_with("the changes\n")) << updated.output;
     WriteFile("bench.ini", "BootFast==7");
     const Outcome refused = RunBiosconfig("update --tool-dir tools bench.ini");
-    EXPECT_EQ(refused.exitCode, 1U);
+    EXPECT_EQ(refused.exitCode, kNotDone);
     EXPECT_TRUE(refused.output.starts_with("Failed to Update BIOS Settings, ")) << refused.output;
-    EXPECT_NE(refused.messages.find("status 2, "), std::string::npos) << refused.messages;
+    EXPECT_NE(refused.messages.find("status 2, not found, "), std::string::npos) << refused.messages;
     EXPECT_NE(refused.messages.find("  Failed to Write to knobs (Update Bios Settings), "), std::string::npos);
 }
 
@@ -163,9 +166,14 @@ TEST_F(BiosconfigTest, EveryComponentTracesToAllSinksAndAFaultyConfigurationIsTo
     const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
     WriteFile("debug.conf", configuration);
     std::string all, console;
-    for (const char *const format : {"ui-xml", "log-xml", "log-html", "log-html-xml", "log-json", "ui-json"})
+    const std::pair<std::string, std::string> formats[] = {{"ui-xml", "_UI_XML"},     {"log-xml", "_LOG_XML"},
+                                                           {"log-html", "_LOG_HTML"}, {"log-html-xml", ""},
+                                                           {"log-json", "_LOG_JSON"}, {"ui-json", "_UI_JSON"}};
+    for (const auto &[format, suffix] : formats)
     {
-        console += RunBiosconfig(std::string("report --tool-dir tools --format ") + format).messages;
+        const Outcome outcome = RunBiosconfig("report --tool-dir tools --format " + format);
+        EXPECT_EQ(outcome.output, BufferOf("tools/ModuleData/bios options" + suffix)) << format;
+        console += outcome.messages;
         all += BufferOf("all.log");
     }
     for (const std::string component : kComponents)
@@ -187,21 +195,21 @@ struct BadCall
 };
 
 constexpr BadCall kBadCalls[] = {
-    {"", 2, "subcommand is required"},
-    {"report --tool-dir tools --bogus", 2, "--bogus"},
-    {"report --tool-dir tools --format pdf", 2, "pdf not in {ui-xml,"},
-    {"report --tool-dir tools --option other", 2, "does not offer the option \"other\""},
-    {"update --tool-dir tools", 2, "TEMPLATE is required"},
-    {"update --tool-dir tools missing.txt", 2, "cannot read the template missing.txt"},
-    {"update --tool-dir bare missing.txt", 4, "(BiosConfigModule - InitModule), "},
-    {"update --tool-dir tools tools/CapsList.json", 1, "with txt or ini behind the first"},
-    {"report --tool-dir tools --module missing", 3, "cannot load the module: "},
-    {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", 3, "lacks the module's exports"},
-    {"report --tool-dir missing", 4, "no tool directory \"missing\""},
-    {"report --tool-dir bare", 4, "Failed to read data from Capability List (BiosConfigModule - InitModule), "},
-    {"report --tool-dir locked", 4, "could not record errors"},
-    {"report --tool-dir tools -o missing/report.xml", 5, "cannot write the output file missing/report.xml"},
-    {"report --tool-dir tools -o bare", 5, "cannot write the output file bare"},
+    {"", kWrongUsage, "subcommand is required"},
+    {"report --tool-dir tools --bogus", kWrongUsage, "--bogus"},
+    {"report --tool-dir tools --format pdf", kWrongUsage, "pdf not in {ui-xml,"},
+    {"report --tool-dir tools --option other", kWrongUsage, "does not offer the option \"other\""},
+    {"update --tool-dir tools", kWrongUsage, "TEMPLATE is required"},
+    {"update --tool-dir tools missing.txt", kWrongUsage, "cannot read the template missing.txt"},
+    {"update --tool-dir bare missing.txt", kNotReady, "(BiosConfigModule - InitModule), "},
+    {"update --tool-dir tools tools/CapsList.json", kNotDone, "with txt or ini behind the first"},
+    {"report --tool-dir tools --module missing", kNoModule, "cannot load the module: "},
+    {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", kNoModule, "lacks the module's exports"},
+    {"report --tool-dir missing", kNotReady, "no tool directory \"missing\""},
+    {"report --tool-dir bare", kNotReady, "Failed to read data from Capability List (BiosConfigModule - InitModule), "},
+    {"report --tool-dir locked", kNotReady, "could not record errors"},
+    {"report --tool-dir tools -o missing/report.xml", kNotWritten, "cannot write the output file missing/report.xml"},
+    {"report --tool-dir tools -o bare", kNotWritten, "cannot write the output file bare"},
 };
 
 TEST_F(BiosconfigTest, BadCallsGetAMessageAndTheirExitCode)

@@ -49,8 +49,9 @@ Call ParseCall(const std::string &line)
     call.arguments.resize(2);
     if (sides.size() > 1)
     {
-        call.status = static_cast<Status>(std::stoul(sides[1]));
-        call.failure = sides[1].substr(2) + '\n';
+        const std::size_t colon = sides[1].find(": ");
+        call.status = sides[1].substr(0, colon) == "NotFound" ? StatusCode::NotFound : StatusCode::Missing;
+        call.failure = sides[1].substr(colon + 2) + '\n';
     }
     return call;
 }
