@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HostCompiler.h"
+
 #include <string>
 #include <vector>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HostCompiler.h"
+
 #include <cstdint>
 
 /// What nearly every operation returns. The values are fixed: host and module exchange them as plain numbers.

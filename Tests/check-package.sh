@@ -28,8 +28,11 @@ rows=$(grep -o '<Row>' report.xml | wc -l)
 echo "report.xml has $rows rows"
 ((rows > 250))
 
-cmake -G Ninja -S "$source_directory/Tests/Consumer" -B consumer -DHOST_SOURCE="$source_directory/Docs/MinimalHost.cpp" \
-    -DBiosConfigModule_DIR="$(dirname "$(find "$top" -name BiosConfigModuleConfig.cmake)")" "${toolchain[@]}" >/dev/null
+configure_host() {
+    cmake -G Ninja -S "$source_directory/Tests/Consumer" -DHOST_SOURCE="$source_directory/Docs/MinimalHost.cpp" \
+        -DBiosConfigModule_DIR="$(dirname "$(find "$top" -name BiosConfigModuleConfig.cmake)")" "${toolchain[@]}" "$@"
+}
+configure_host -B consumer >/dev/null
 cmake --build consumer >/dev/null
 module=$(<consumer/module-path)
 # Wine's name of that path: Windows wants a full one for a library that is to find others beside itself.
@@ -37,3 +40,7 @@ module=$(<consumer/module-path)
 "${launcher[@]}" "$(find consumer -maxdepth 1 -type f -name 'Consumer*')" "$module" tool/ >host.out 2>host.messages || cat host.messages >&2
 grep 'BIOS Options: bios options' host.messages
 grep -q '<Header>Name,Value,Prompt,Description</Header>' host.out
+
+# A host that takes its compiler for Microsoft's is told why it cannot have the module.
+! configure_host -B stranger -DMSVC=ON >/dev/null 2>stranger.messages
+grep 'This module was built with GCC' stranger.messages

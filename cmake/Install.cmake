@@ -23,11 +23,13 @@ install(DIRECTORY Include/ DESTINATION ${header_place})
 install(FILES README.md CHANGELOG.md DESTINATION ${readme_place})
 install(DIRECTORY Docs DESTINATION ${readme_place})
 
-install(EXPORT BiosConfigModule NAMESPACE BiosConfigModule:: FILE BiosConfigModuleConfig.cmake
+install(EXPORT BiosConfigModule NAMESPACE BiosConfigModule:: FILE BiosConfigModuleTargets.cmake
   DESTINATION ${package_place})
+configure_file(cmake/BiosConfigModuleConfig.cmake.in BiosConfigModuleConfig.cmake @ONLY)
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/BiosConfigModuleConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/BiosConfigModuleConfigVersion.cmake DESTINATION ${package_place})
+install(FILES ${CMAKE_BINARY_DIR}/BiosConfigModuleConfig.cmake
+  ${CMAKE_BINARY_DIR}/BiosConfigModuleConfigVersion.cmake cmake/HostRuntime.cmake DESTINATION ${package_place})
 
 if(WIN32)
   set(CPACK_GENERATOR ZIP)

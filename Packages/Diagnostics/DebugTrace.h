@@ -4,12 +4,19 @@
 
 #include <source_location>
 
+/// Has the compiler compare the arguments of a call with its format, where it can.
+#ifdef __GNUC__
+#define CHECKED_AS_PRINTF(formatPosition, firstArgument) __attribute__((format(printf, formatPosition, firstArgument)))
+#else
+#define CHECKED_AS_PRINTF(formatPosition, firstArgument)
+#endif
+
 /// Writes one line to the sinks that `handle` selects, if it wants the line: a line break, the fields that traceFormat
 /// names, a blank, and the message made from `format` (as printf does; cut to 255 bytes). `sourceFile` is not part of
 /// the line. Takes no lock and allocates nothing. Returns Missing for a null handle, else Success, whether or not
 /// something was written. A null argument of a "%s" is written as the C library does.
 Status DebugTrace(const DebugHandle_t *handle, const char *sourceFile, const char *functionName, std::uint32_t line,
-                  std::uint32_t level, const char *format, ...) __attribute__((format(printf, 6, 7)));
+                  std::uint32_t level, const char *format, ...) CHECKED_AS_PRINTF(6, 7);
 
 /// Whether a line of `level` has anywhere to go; what DebugTrace asks first, standing inline at the call.
 inline bool TraceWanted(const DebugHandle_t *handle, std::uint32_t level)

@@ -27,7 +27,7 @@ struct KnobAttribute
     KnobDetails::Text KnobDetails::*field;
 };
 
-constexpr KnobAttribute knobAttributeNames[] = {
+constexpr KnobAttribute kKnobAttributeNames[] = {
     {"type", &KnobDetails::type},
     {"setupType", &KnobDetails::setupType},
     {"name", &KnobDetails::name},
@@ -102,7 +102,7 @@ CCXmlDocumentOwner ParseDump()
 /// Reads the attributes; false when the node is not to be taken for a knob.
 bool ReadAttributes(xmlNodePtr knobNode, KnobDetails &record)
 {
-    for (const KnobAttribute &attribute : knobAttributeNames)
+    for (const KnobAttribute &attribute : kKnobAttributeNames)
     {
         const CCXmlValueOwner value(CCXmlGetAttributeValue(knobNode, attribute.name));
         const bool isName = attribute.field == &KnobDetails::name;

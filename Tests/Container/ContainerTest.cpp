@@ -286,7 +286,7 @@ TEST(InitContainer, RefusesWhatItCannotMake)
 }
 
 std::string version(kContainerVersionSize, '?');
-const Status readBeforeAnyContainer = GetContainerLibVersion(version.data());
+const Status kReadBeforeAnyContainer = GetContainerLibVersion(version.data());
 
 TEST(InitContainer, WritesNameAndVersionAndTakesNotANumberForLess)
 {

@@ -53,8 +53,8 @@ const BuiltInFirmware &BuiltIn()
 std::string UniqueId(const std::string &name)
 {
     std::uint64_t hash = 0xCBF29CE484222325;
-    for (const unsigned char character : name)
-        hash = (hash ^ character) * 0x100000001B3;
+    for (const char character : name)
+        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3;
     return HexText(hash, 16);
 }
 
