@@ -160,10 +160,19 @@ constexpr std::uint32_t kNegative = 0x80000000;
 /// In the order of kKinds: list, sorted list, red-black tree, AVL tree.
 using Statuses = std::array<Status, std::size(kKinds)>;
 
-constexpr auto All = [](Status status) { return Statuses{status, status, status, status}; };
+constexpr Statuses All(Status status)
+{
+    return {status, status, status, status};
+}
 /// Of an operation that only lists have, and of one that only the plain list has.
-constexpr auto Lists = [](Status status) { return Statuses{status, status, Failed, Failed}; };
-constexpr auto PlainList = [](Status status) { return Statuses{status, Failed, Failed, Failed}; };
+constexpr Statuses Lists(Status status)
+{
+    return {status, status, Failed, Failed};
+}
+constexpr Statuses PlainList(Status status)
+{
+    return {status, Failed, Failed, Failed};
+}
 
 /// Of an index in an empty container.
 constexpr Statuses kNothingThere = {Missing, Missing, NotFound, Missing};
