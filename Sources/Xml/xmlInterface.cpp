@@ -28,23 +28,14 @@ const xmlChar *AsXml(const char *text)
     return reinterpret_cast<const xmlChar *>(text);
 }
 
-/// Keeps libxml2's messages from the host's standard error while it lives.
-class QuietErrors
+/// libxml2's error handler, as the outermost CCXmlQuiet found it.
+struct ErrorHandler
 {
-public:
-    QuietErrors() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
-    {
-        // The type of the second argument changed with libxml2 2.12.
-        xmlSetStructuredErrorFunc(nullptr, [](void * /*context*/, auto * /*error*/) {});
-    }
-    ~QuietErrors() { xmlSetStructuredErrorFunc(m_context, m_handler); }
-    QuietErrors(const QuietErrors &) = delete;
-    QuietErrors &operator=(const QuietErrors &) = delete;
-
-private:
-    xmlStructuredErrorFunc m_handler;
-    void *m_context;
+    xmlStructuredErrorFunc function = nullptr;
+    void *context = nullptr;
 };
+ErrorHandler foundHandler;
+std::uint32_t quietDepth = 0;
 
 struct FreeXmlMemory
 {
@@ -170,12 +161,27 @@ bool Write(std::FILE *stream, xmlDocPtr document, const CCXmlOmitted *omitted)
 
 bool Save(const std::string &fileName, xmlDocPtr document, const CCXmlOmitted *omitted)
 {
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     Platform::ReplacedFile file(fileName);
     return file.Open() && Write(file.Stream(), document, omitted) && file.Commit();
 }
 
 } // namespace
+
+CCXmlQuiet::CCXmlQuiet()
+{
+    if (quietDepth++ > 0)
+        return;
+    foundHandler = {xmlStructuredError, xmlStructuredErrorContext};
+    // The type of the second argument changed with libxml2 2.12.
+    xmlSetStructuredErrorFunc(nullptr, [](void * /*context*/, auto * /*error*/) {});
+}
+
+CCXmlQuiet::~CCXmlQuiet()
+{
+    if (--quietDepth == 0)
+        xmlSetStructuredErrorFunc(foundHandler.context, foundHandler.function);
+}
 
 Status CCInitializeXMLParser()
 {
@@ -208,7 +214,7 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading, CCXmlOm
     const Status status = WithoutExceptions(
         [&]
         {
-            const QuietErrors quiet;
+            const CCXmlQuiet quiet;
             if (fileName)
                 outcome = ReadDocument(fileName, document, omitted);
             return StatusCode::Success;
@@ -229,7 +235,7 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLBuffer");
     TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     const xmlDocPtr document = xmlReadMemory(buffer, size, nullptr, nullptr, XML_PARSE_RECOVER);
     if (!document)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
@@ -249,7 +255,7 @@ xmlDocPtr CCXmlCreateDoc(const char *version)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlCreateDoc");
     TRACE(trace, TRACE_ENTRY, "Version passed is %s", version);
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     const xmlDocPtr document = xmlNewDoc(AsXml(version));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
     return document;
@@ -324,7 +330,7 @@ xmlNodePtr CCXmlAddNode(xmlNodePtr parent, const char *name, const char *content
         trace.Text(TRACE_EXIT, "return status NULL");
         return nullptr;
     }
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     xmlNodePtr node = NewElement(name, content);
     if (node && parent)
         node = AppendChild(parent, node);
@@ -349,7 +355,7 @@ Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
         trace.Error("Document Pointer or Memory pointer passed is NULL");
         return StatusCode::Missing;
     }
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     xmlChar *block = nullptr;
     int length = 0;
     xmlDocDumpMemory(document, &block, &length);
@@ -410,7 +416,7 @@ char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
         trace.Text(TRACE_EXIT, "Return NULL");
         return nullptr;
     }
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     char *const value = reinterpret_cast<char *>(xmlGetProp(node, AsXml(attributeName)));
     TRACE(trace, TRACE_EXIT, "Return value %s", value);
     return value;
@@ -426,7 +432,7 @@ void CCXmlSetAttributeValue(xmlNodePtr node, const char *attributeName, const ch
     const FunctionTrace trace(xmlTrace, "CCXmlSetAttributeValue");
     TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s, Attribute Value %s", static_cast<void *>(node),
           attributeName, value);
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     if (!node || !attributeName || !value)
         trace.Error("Node or attribute name or attribute value passed is NULL");
     else

@@ -42,6 +42,17 @@ enum class CCXmlReading
     NoMemory
 };
 
+/// Keeps libxml2's messages from the host's standard error while it lives. Every operation has one of its own where it
+/// needs one; one around many operations makes each of them cheaper.
+class CCXmlQuiet
+{
+public:
+    CCXmlQuiet();
+    ~CCXmlQuiet();
+    CCXmlQuiet(const CCXmlQuiet &) = delete;
+    CCXmlQuiet &operator=(const CCXmlQuiet &) = delete;
+};
+
 /// The children of a root that its tree leaves out, as text, and where they stand in the saved document.
 struct CCXmlOmitted
 {
