@@ -121,7 +121,8 @@ struct CloseStream
 };
 using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
 
-/// Opens a stdio stream as fopen does; children do not inherit it. Null when it cannot be opened, also for a directory.
+/// Opens a stdio stream as fopen does; children do not inherit it. Null when it cannot be opened, also for a directory;
+/// but throws std::bad_alloc where there is no memory for the stream.
 StreamOwner OpenStream(const std::string &path, const char *mode);
 
 /// Reads a whole text file; every pair of carriage return and line feed arrives as one line feed. Returns false when

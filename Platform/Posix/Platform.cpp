@@ -188,6 +188,8 @@ bool RemoveFile(const std::string &path)
 StreamOwner OpenStream(const std::string &path, const char *mode)
 {
     StreamOwner stream(std::fopen(NativePath(path).c_str(), (std::string(mode) + "e").c_str()));
+    if (!stream && errno == ENOMEM)
+        throw std::bad_alloc(); // must not be taken for a file that is not there
     if (stream && IsDirectory(stream.get()))
         stream.reset();
     return stream;

@@ -8,9 +8,11 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
+#include <new>
 #include <utility>
 
 namespace
@@ -30,7 +32,13 @@ using ErrorRecord = const xmlError *;
 using ErrorRecord = xmlErrorPtr;
 #endif
 
-void IgnoreError(void * /*context*/, ErrorRecord /*error*/) {}
+/// Whether libxml2 has told of memory that it could not get, since this was last set to false.
+bool lackedMemory = false;
+
+void IgnoreError(void * /*context*/, ErrorRecord error)
+{
+    lackedMemory = lackedMemory || (error && error->code == XML_ERR_NO_MEMORY);
+}
 
 /// Keeps libxml2's messages from the host's standard error while it lives.
 class QuietErrors
@@ -47,6 +55,14 @@ public:
 private:
     xmlStructuredErrorFunc m_handler;
     void *m_context;
+};
+
+/// One piece of work of libxml2's: did it have the memory? Some of its functions only tell, and go on with less.
+class MemoryWatch
+{
+public:
+    MemoryWatch() { lackedMemory = false; }
+    bool Lacked() const { return lackedMemory; }
 };
 
 struct FreeXmlMemory
@@ -69,12 +85,13 @@ struct FreeNode
 /// xmlNewNode and xmlNodeSetContent; null when memory did not suffice for all of it.
 xmlNodePtr NewElement(const char *name, const char *content)
 {
+    const MemoryWatch memory;
     std::unique_ptr<xmlNode, FreeNode> node(xmlNewNode(nullptr, AsXml(name)));
     if (!node || !node->name)
         return nullptr;
     if (content)
         xmlNodeSetContent(node.get(), AsXml(content));
-    return content && *content && !node->children ? nullptr : node.release();
+    return memory.Lacked() || (content && *content && !node->children) ? nullptr : node.release();
 }
 
 /// Appends `node`, or frees it when that fails.
@@ -84,6 +101,103 @@ xmlNodePtr AppendChild(xmlNodePtr parent, xmlNodePtr node)
     if (!added)
         xmlFreeNode(node);
     return added;
+}
+
+struct FreeParserContext
+{
+    void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
+};
+
+struct FreeParsed
+{
+    void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
+};
+
+/// What a parser tells while it reads a text in recovery mode.
+struct Recovery
+{
+    CCXmlRecovery reading;
+    bool declaresEntities = false;
+    bool gaveUpBehindRoot = false;
+};
+
+Recovery &RecoveryOf(xmlParserCtxtPtr parser)
+{
+    return *static_cast<Recovery *>(parser->_private);
+}
+
+/// The root element has ended, so nothing is lost: a long text is given up behind it (CCXmlPadBuffer).
+bool IsBehindRoot(const xmlParserCtxt &parser)
+{
+    return parser.nameNr == 0 && xmlDocGetRootElement(parser.myDoc);
+}
+
+void RecordError(void *context, ErrorRecord error)
+{
+    auto &parser = *static_cast<xmlParserCtxtPtr>(context);
+    Recovery &recovery = RecoveryOf(&parser);
+    if (error->code == XML_ERR_NO_MEMORY)
+        lackedMemory = true;
+    else if (error->code == XML_ERR_INTERNAL_ERROR && IsBehindRoot(parser))
+        recovery.gaveUpBehindRoot = true;
+    else if (error->level == XML_ERR_FATAL && !recovery.reading.damaged)
+        recovery.reading = {true, error->line};
+}
+
+void RefuseEntities(xmlParserCtxtPtr parser)
+{
+    RecoveryOf(parser).declaresEntities = true;
+    xmlStopParser(parser);
+}
+
+void DeclareEntity(void *context, const xmlChar *name, int type, const xmlChar *publicId, const xmlChar *systemId,
+                   xmlChar *content)
+{
+    if (type == XML_INTERNAL_PARAMETER_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY)
+        xmlSAX2EntityDecl(context, name, type, publicId, systemId, content);
+    else
+        RefuseEntities(static_cast<xmlParserCtxtPtr>(context));
+}
+
+void DeclareUnparsedEntity(void *context, const xmlChar * /*name*/, const xmlChar * /*publicId*/,
+                           const xmlChar * /*systemId*/, const xmlChar * /*notation*/)
+{
+    RefuseEntities(static_cast<xmlParserCtxtPtr>(context));
+}
+
+/// What xmlRecoverMemory does, but for a text that declares general entities, which gives no document. Throws
+/// std::bad_alloc where libxml2 tells of memory that it could not get.
+std::unique_ptr<xmlDoc, FreeParsed> Recover(const char *buffer, std::int32_t size, CCXmlRecovery &reading)
+{
+    const MemoryWatch memory;
+    xmlInitParser();
+    const std::unique_ptr<xmlParserCtxt, FreeParserContext> parser(xmlCreateMemoryParserCtxt(buffer, size));
+    if (!parser && buffer && size > 0)
+        throw std::bad_alloc();
+    if (!parser)
+        return nullptr;
+    Recovery recovery = {{}};
+    parser->_private = &recovery;
+    parser->sax->serror = RecordError;
+    parser->sax->entityDecl = DeclareEntity;
+    parser->sax->unparsedEntityDecl = DeclareUnparsedEntity;
+    parser->recovery = 1;
+    xmlParseDocument(parser.get());
+    std::unique_ptr<xmlDoc, FreeParsed> document(std::exchange(parser->myDoc, nullptr));
+    if (memory.Lacked())
+        throw std::bad_alloc();
+    reading = recovery.reading;
+    reading.damaged = reading.damaged || (parser->wellFormed == 0 && !recovery.gaveUpBehindRoot);
+    return recovery.declaresEntities ? nullptr : std::move(document);
+}
+
+/// Recover, which has to see damage twice to believe it: libxml2 takes some memory that it could not get for damage.
+xmlDocPtr RecoverSurely(const char *buffer, std::int32_t size, CCXmlRecovery &reading)
+{
+    std::unique_ptr<xmlDoc, FreeParsed> document = Recover(buffer, size, reading);
+    if (reading.damaged || !document)
+        document = Recover(buffer, size, reading);
+    return document.release();
 }
 
 /// A block of libxml2's as one of the C heap. Taken over as it is unless the host gave libxml2 an allocator of its own.
@@ -181,12 +295,22 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName)
     return document;
 }
 
-xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
+xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size, CCXmlRecovery *reading)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLBuffer");
     TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
-    const QuietErrors quiet;
-    const xmlDocPtr document = xmlRecoverMemory(buffer, size);
+    xmlDocPtr document = nullptr;
+    CCXmlRecovery outcome;
+    const Status status = WithoutExceptions(
+        [&]
+        {
+            const QuietErrors quiet;
+            document = RecoverSurely(buffer, size, outcome);
+            return StatusCode::Success;
+        });
+    outcome.lackedMemory = status == StatusCode::NoMemory;
+    if (reading)
+        *reading = outcome;
     if (!document)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
@@ -306,10 +430,14 @@ Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
         return StatusCode::Missing;
     }
     const QuietErrors quiet;
+    const MemoryWatch watch;
     xmlChar *block = nullptr;
     int length = 0;
     xmlDocDumpMemory(document, &block, &length);
-    char *const copy = block ? MoveToCHeap(block, static_cast<std::size_t>(length)) : nullptr;
+    std::unique_ptr<xmlChar, FreeXmlMemory> whole(watch.Lacked() ? nullptr : block);
+    if (block && !whole)
+        xmlFree(block); // a part
+    char *const copy = whole ? MoveToCHeap(whole.release(), static_cast<std::size_t>(length)) : nullptr;
     if (!copy)
         return StatusCode::Missing;
     *memory = copy;
@@ -372,6 +500,15 @@ char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
     return value;
 }
 
+CCXmlValueOwner CCXmlReadAttribute(xmlNodePtr node, const char *attributeName)
+{
+    const MemoryWatch memory;
+    CCXmlValueOwner value(CCXmlGetAttributeValue(node, attributeName));
+    if (memory.Lacked() || (!value && node && attributeName && xmlHasProp(node, AsXml(attributeName))))
+        throw std::bad_alloc();
+    return value;
+}
+
 void CCXmlFreeValue::operator()(char *value) const
 {
     xmlFree(value);
@@ -394,13 +531,17 @@ xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string tex
 {
     if (!parent)
         return nullptr;
-    return CCXmlAddNode(parent, name, EscapeReferences(MakeXmlText(std::move(text))).c_str());
+    const xmlNodePtr node = CCXmlAddNode(parent, name, EscapeReferences(MakeXmlText(std::move(text))).c_str());
+    if (!node && name)
+        throw std::bad_alloc();
+    return node;
 }
 
 void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text)
 {
     const std::string value = MakeXmlText(std::move(text));
+    const MemoryWatch memory;
     CCXmlSetAttributeValue(node, attributeName, value.c_str());
-    if (node && attributeName && !HasAttribute(node, attributeName, value.empty()))
+    if (memory.Lacked() || (node && attributeName && !HasAttribute(node, attributeName, value.empty())))
         throw std::bad_alloc();
 }
