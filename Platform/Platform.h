@@ -30,6 +30,9 @@ constexpr std::uint32_t kUnknownExitCode = 0xFFFFFFFF;
 /// The directory of the running program's file, with a final separator; empty when the system does not tell.
 std::string ExecutableDirectory();
 
+/// The number that the system has given this process.
+std::uint64_t ProcessId();
+
 /// The file name of the shared library `stem`: `stem`.dll on Windows, lib`stem`.so elsewhere.
 std::string SharedLibraryFileName(const std::string &stem);
 
@@ -106,9 +109,10 @@ enum class DirectoryOutcome
 /// lets.
 DirectoryOutcome MakeDirectory(const std::string &path);
 
-/// Gives the file at `from` the name `to` in one step, replacing a file of that name. Returns false, with both left
-/// as they were, when the system refuses. Windows: MoveFileExA, again for a fifth of a second while another program has
-/// one of the files open. POSIX: rename.
+/// Gives the file at `from` the name `to` in one step, replacing a file of that name; on Windows its access list stays.
+/// The step is on the disk when the call returns, where the system can do that. Returns false, with both left as they
+/// were, when the system refuses. Windows: ReplaceFileA or, where nothing is to be replaced, MoveFileExA, again for a
+/// fifth of a second while another program has one of the files open. POSIX: rename, fsync of the folder.
 bool RenameOver(const std::string &from, const std::string &to);
 
 /// Removes the file at `path`, if there is one; false when there still is one. A directory stays and does not count.
@@ -124,6 +128,21 @@ using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
 /// Opens a stdio stream as fopen does; children do not inherit it. Null when it cannot be opened, also for a directory;
 /// but throws std::bad_alloc where there is no memory for the stream.
 StreamOwner OpenStream(const std::string &path, const char *mode);
+
+/// Creates a file that is not there yet, for writing bytes; a link of that name is not followed. Null, with EEXIST in
+/// errno where something of that name is there, when it cannot be created. Windows: _open. POSIX: open.
+StreamOwner CreateStream(const std::string &path);
+
+/// Has everything that was written to `stream` stored on the disk; false when that fails. A stream that has no disk
+/// behind it counts as stored. Windows: FlushFileBuffers. POSIX: fsync.
+bool SyncStream(std::FILE *stream);
+
+/// Gives the file open as `stream` the mode, owner and group of the one at `path`; true also when there is none. False
+/// when the system does not let the process do that. Windows: nothing to do, RenameOver keeps them.
+bool CopyOwnership(const std::string &path, std::FILE *stream);
+
+/// Replaces `bytes` with what `stream` holds up to its end. Returns false when that cannot be read.
+bool ReadBytes(std::FILE *stream, std::string &bytes);
 
 /// Reads a whole text file; every pair of carriage return and line feed arrives as one line feed. Returns false when
 /// the file cannot be opened or read; `text` is then unchanged.
@@ -150,6 +169,26 @@ public:
 
 private:
     StreamOwner m_stream;
+};
+
+/// Keeps other processes, and other objects of this kind, away from the file at `path` while it lives. It goes with the
+/// process, however that ends, and leaves nothing behind. Where the system has no such locks, everybody gets one.
+/// Windows: a mutex of the session named after the path. POSIX: flock on the file's folder.
+class FileLock
+{
+public:
+    /// Waits up to `milliseconds` for the others.
+    FileLock(const std::string &path, std::uint32_t milliseconds);
+    ~FileLock();
+    FileLock(const FileLock &) = delete;
+    FileLock &operator=(const FileLock &) = delete;
+
+    /// False when the time was up.
+    explicit operator bool() const { return m_granted; }
+
+private:
+    std::intptr_t m_system;
+    bool m_granted = true;
 };
 
 // Mutexes

@@ -1,52 +1,127 @@
 #include "ReplacedFile.h"
 
+#include "FilesystemPath.h"
+
+#include <cerrno>
+#include <filesystem>
 #include <new>
 #include <utility>
 
 namespace Platform
 {
 
-ReplacedFile::ReplacedFile(std::string path, std::string_view ending)
-    : m_path(std::move(path)), m_besidePath(m_path + std::string(ending))
+namespace
 {
+
+constexpr int kMostLinks = 40;
+/// One process may replace a file from several threads, and another one of the same number may have left some behind.
+constexpr int kMostNames = 100;
+
+/// Writes the file at `from` over the bytes of the one at `to`.
+bool CopyInPlace(const std::string &from, const std::string &to)
+{
+    const StreamOwner source = OpenStream(from, "rb");
+    const StreamOwner target = OpenStream(to, "wb");
+    if (!source || !target)
+        return false;
+    char bytes[16384];
+    for (std::size_t count = 0; (count = std::fread(bytes, 1, sizeof bytes, source.get())) > 0;)
+    {
+        if (std::fwrite(bytes, 1, count, target.get()) != count)
+            return false;
+    }
+    return !std::ferror(source.get()) && SyncStream(target.get());
 }
+
+} // namespace
+
+std::string LinkTarget(const std::string &path)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    fs::path target = ToFilesystemPath(path);
+    for (int links = 0; links < kMostLinks && fs::is_symlink(fs::symlink_status(target, error)); ++links)
+    {
+        const fs::path next = fs::read_symlink(target, error);
+        if (error)
+            break;
+        target = next.is_absolute() ? next : target.parent_path() / next;
+        // A path that has no path text can be reached through the link alone.
+        if (ToFilesystemPath(FromFilesystemPath(target)) != target)
+            return path;
+    }
+    return target == ToFilesystemPath(path) ? path : FromFilesystemPath(target);
+}
+
+ReplacedFile::ReplacedFile(const std::string &path) : m_path(LinkTarget(path)) {}
 
 ReplacedFile::~ReplacedFile()
 {
     m_stream.reset();
     try
     {
-        if (m_isPresent)
+        if (!m_besidePath.empty())
             RemoveFile(m_besidePath);
     }
     catch (const std::bad_alloc &)
     {
-        // It stays beside, where the next one of that name replaces it.
+        // It stays beside.
     }
 }
 
 bool ReplacedFile::Open()
 {
-    m_stream = OpenStream(m_besidePath, "wb");
-    m_isPresent = m_stream != nullptr;
-    return m_isPresent;
+    errno = 0;
+    const bool exists = OpenStream(m_path, "r+b") != nullptr;
+    if (!exists && errno != ENOENT)
+        return false;
+    if (!OpenBeside())
+        m_stream = OpenStream(m_path, "wb");
+    return m_stream != nullptr;
+}
+
+bool ReplacedFile::OpenBeside()
+{
+    const std::string name = m_path + '.' + std::to_string(ProcessId());
+    for (int number = 0; number < kMostNames; ++number)
+    {
+        std::string path = name + (number == 0 ? "" : '-' + std::to_string(number)) + ".new";
+        errno = 0;
+        m_stream = CreateStream(path);
+        if (!m_stream && errno == EEXIST)
+            continue;
+        if (m_stream)
+            m_besidePath = std::move(path);
+        break;
+    }
+    if (m_stream && CopyOwnership(m_path, m_stream.get()))
+        return true;
+    m_stream.reset();
+    if (!m_besidePath.empty())
+        RemoveFile(std::exchange(m_besidePath, {}));
+    return false;
 }
 
 bool ReplacedFile::Finish()
 {
     if (!m_stream)
-        return m_isWhole;
-    const bool failed = std::ferror(m_stream.get()) != 0;
-    m_isWhole = std::fclose(m_stream.release()) == 0 && !failed;
-    return m_isWhole;
+        return false;
+    const bool whole = !std::ferror(m_stream.get()) && SyncStream(m_stream.get());
+    return std::fclose(m_stream.release()) == 0 && whole;
+}
+
+bool ReplacedFile::PutInPlace()
+{
+    return RenameOver(m_besidePath, m_path) || CopyInPlace(m_besidePath, m_path);
 }
 
 bool ReplacedFile::Commit()
 {
-    const bool replaced = Finish() && RenameOver(m_besidePath, m_path);
-    if (!replaced && m_isPresent)
-        RemoveFile(m_besidePath);
-    m_isPresent = false;
+    const bool whole = Finish();
+    if (m_besidePath.empty())
+        return whole;
+    const bool replaced = whole && PutInPlace();
+    RemoveFile(std::exchange(m_besidePath, {}));
     return replaced;
 }
 

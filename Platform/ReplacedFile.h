@@ -3,42 +3,50 @@
 #include "Platform.h"
 
 #include <string>
-#include <string_view>
 
 namespace Platform
 {
 
-/// A file that comes to stand under its name in one step, when it is whole: it is written beside, with an ending of its
-/// own behind the name. Until Commit, and after any failure, the file that was there stays as it was.
+/// A file that comes to stand under its name in one step, when it is whole and safe on the disk: it is written beside,
+/// under a name of this process's own, and renamed. Until Commit, and after any failure, the file that was there stays
+/// as it was.
+///
+/// What the file is does not change: a link stays, and the file that it leads to is replaced; mode, owner and group
+/// (Windows: the access list) are kept; a file that may not be written is refused. Where the folder takes no new file,
+/// or the system refuses the rename or the owner, the file is written in place instead: half of it is left only when
+/// the system or the process goes down meanwhile or the disk is full.
 class ReplacedFile
 {
 public:
     /// `path` is a path text of the platform.
-    explicit ReplacedFile(std::string path, std::string_view ending = ".new");
+    explicit ReplacedFile(const std::string &path);
     /// Removes what was not put in place.
     ~ReplacedFile();
     ReplacedFile(const ReplacedFile &) = delete;
     ReplacedFile &operator=(const ReplacedFile &) = delete;
 
-    /// Creates the file beside; false when that fails, for instance because the folder takes no new file.
+    /// Gets ready for writing; false when the file cannot be written.
     bool Open();
 
-    /// Where to write; null before Open and after Finish. Write failures need not be looked at: Finish tells of them.
+    /// Where to write; null before Open and after Commit. Write failures need not be looked at: Commit tells of them.
     std::FILE *Stream() const { return m_stream.get(); }
 
-    /// Ends the writing; false when not everything could be written.
-    bool Finish();
-
-    /// Finish where that is still to be done, then the step itself (RenameOver). Returns false, with what was written
-    /// removed, when either fails.
+    /// Has everything written to the disk and takes the step itself. Returns false, with what was written removed, when
+    /// not everything could be written.
     bool Commit();
 
 private:
+    bool OpenBeside();
+    bool Finish();
+    bool PutInPlace();
+
     std::string m_path;
+    /// Empty while nothing stands beside.
     std::string m_besidePath;
     StreamOwner m_stream;
-    bool m_isWhole = false;
-    bool m_isPresent = false;
 };
+
+/// The path of the file that a chain of links at `path` leads to, there or not; `path` itself where it is no link.
+std::string LinkTarget(const std::string &path);
 
 } // namespace Platform

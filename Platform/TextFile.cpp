@@ -22,23 +22,6 @@ std::size_t RemainingBytes(std::FILE *stream)
     return size > 0 ? static_cast<std::size_t>(size) : 0;
 }
 
-bool ReadAll(std::FILE *stream, std::string &bytes)
-{
-    // One byte more than the file is said to hold, so that its end is seen without another round.
-    std::size_t wanted = RemainingBytes(stream) + 1;
-    std::size_t filled = 0;
-    for (;;)
-    {
-        bytes.resize(filled + wanted);
-        filled += std::fread(bytes.data() + filled, 1, wanted, stream);
-        if (filled < bytes.size())
-            break;
-        wanted = std::max(kReadChunk, filled / 2);
-    }
-    bytes.resize(filled);
-    return std::ferror(stream) == 0;
-}
-
 /// Turns every pair of carriage return and line feed into one line feed, in place.
 void JoinLineEnds(std::string &text)
 {
@@ -67,11 +50,28 @@ void JoinLineEnds(std::string &text)
 
 } // namespace
 
+bool ReadBytes(std::FILE *stream, std::string &bytes)
+{
+    // One byte more than the file is said to hold, so that its end is seen without another round.
+    std::size_t wanted = RemainingBytes(stream) + 1;
+    std::size_t filled = 0;
+    for (;;)
+    {
+        bytes.resize(filled + wanted);
+        filled += std::fread(bytes.data() + filled, 1, wanted, stream);
+        if (filled < bytes.size())
+            break;
+        wanted = std::max(kReadChunk, filled / 2);
+    }
+    bytes.resize(filled);
+    return std::ferror(stream) == 0;
+}
+
 bool ReadTextFile(const std::string &path, std::string &text)
 {
     const StreamOwner stream = OpenStream(path, "rb");
     std::string bytes;
-    if (!stream || !ReadAll(stream.get(), bytes))
+    if (!stream || !ReadBytes(stream.get(), bytes))
         return false;
     JoinLineEnds(bytes);
     text = std::move(bytes);

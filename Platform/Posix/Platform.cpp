@@ -11,6 +11,7 @@
 #include <new>
 #include <pthread.h>
 #include <spawn.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +27,7 @@ namespace
 
 constexpr std::uint32_t kMillisecondsPerSecond = 1000;
 constexpr std::uint32_t kNanosecondsPerMillisecond = 1000000;
+constexpr mode_t kAllModeBits = 07777;
 
 /// `path` as the system's own functions take it.
 std::string NativePath(const std::string &path)
@@ -47,6 +49,33 @@ std::uint32_t WaitForExitCode(pid_t child)
         return kUnknownExitCode;
     return static_cast<std::uint32_t>(WEXITSTATUS(state));
 }
+
+/// The folder of a native path, "." where the path names none.
+std::string FolderOf(const std::string &path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, std::max(slash, std::size_t{1}));
+}
+
+/// An open file of the system's, closed by the destructor.
+class Descriptor
+{
+public:
+    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
+    ~Descriptor()
+    {
+        if (IsOpen())
+            close(m_descriptor);
+    }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    bool IsOpen() const { return m_descriptor != -1; }
+    int Get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
 
 bool IsDirectory(std::FILE *stream)
 {
@@ -98,6 +127,11 @@ std::string ExecutableDirectory()
     path.resize(static_cast<std::size_t>(length));
     path.resize(path.rfind('/') + 1);
     return path;
+}
+
+std::uint64_t ProcessId()
+{
+    return static_cast<std::uint64_t>(getpid());
 }
 
 std::string SharedLibraryFileName(const std::string &stem)
@@ -177,7 +211,15 @@ std::string FromFilesystemPath(const std::filesystem::path &path)
 
 bool RenameOver(const std::string &from, const std::string &to)
 {
-    return std::rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
+    const std::string target = NativePath(to);
+    const std::string folder = FolderOf(target);
+    if (std::rename(NativePath(from).c_str(), target.c_str()) != 0)
+        return false;
+    // Not every file system can do that, and the file has its name already.
+    const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.IsOpen())
+        fsync(descriptor.Get());
+    return true;
 }
 
 bool RemoveFile(const std::string &path)
@@ -193,6 +235,62 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
     if (stream && IsDirectory(stream.get()))
         stream.reset();
     return stream;
+}
+
+StreamOwner CreateStream(const std::string &path)
+{
+    constexpr mode_t kForEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+    const int descriptor =
+        open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody);
+    if (descriptor == -1)
+        return nullptr;
+    StreamOwner stream(fdopen(descriptor, "wb"));
+    if (!stream)
+        close(descriptor);
+    return stream;
+}
+
+bool SyncStream(std::FILE *stream)
+{
+    return std::fflush(stream) == 0 && (fsync(fileno(stream)) == 0 || errno == EINVAL || errno == ENOTSUP);
+}
+
+bool CopyOwnership(const std::string &path, std::FILE *stream)
+{
+    struct stat wanted = {};
+    if (stat(NativePath(path).c_str(), &wanted) != 0)
+        return errno == ENOENT;
+    struct stat given = {};
+    if (fstat(fileno(stream), &given) != 0)
+        return false;
+    // In this order, because a new owner takes some of the mode away.
+    const bool sameOwner = given.st_uid == wanted.st_uid && given.st_gid == wanted.st_gid;
+    return (sameOwner || fchown(fileno(stream), wanted.st_uid, wanted.st_gid) == 0) &&
+           fchmod(fileno(stream), wanted.st_mode & kAllModeBits) == 0;
+}
+
+FileLock::FileLock(const std::string &path, std::uint32_t milliseconds)
+    : m_system(open(FolderOf(NativePath(path)).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+{
+    constexpr std::uint32_t kPause = 5;
+    const auto isHeldByOthers = [descriptor = static_cast<int>(m_system)] {
+        return descriptor != -1 && flock(descriptor, LOCK_EX | LOCK_NB) != 0 &&
+               (errno == EWOULDBLOCK || errno == EINTR);
+    };
+    for (std::uint32_t waited = 0; isHeldByOthers(); waited += kPause)
+    {
+        m_granted = waited < milliseconds;
+        if (!m_granted)
+            return;
+        const timespec pause = {0, static_cast<long>(kPause) * kNanosecondsPerMillisecond};
+        nanosleep(&pause, nullptr);
+    }
+}
+
+FileLock::~FileLock()
+{
+    if (m_system != -1)
+        close(static_cast<int>(m_system));
 }
 
 MutexHandle MakeMutex(const char * /*name*/)

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <io.h>
 #include <new>
+#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 #include <windows.h>
@@ -43,6 +44,21 @@ std::wstring ToWide(UINT codePage, std::string_view text)
     return wide;
 }
 
+/// A name for the mutex of a file, the same for every spelling of its path. Two files with the same name only wait for
+/// each other without need.
+std::string LockName(const std::string &path)
+{
+    char full[MAX_PATH] = "";
+    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
+    std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a
+    for (const char character : length > 0 && length < sizeof full ? std::string(full) : path)
+    {
+        const bool isCapital = character >= 'A' && character <= 'Z';
+        hash = (hash ^ static_cast<unsigned char>(isCapital ? character - 'A' + 'a' : character)) * 0x100000001B3;
+    }
+    return "BiosConfigModule-" + std::to_string(hash);
+}
+
 } // namespace
 
 bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
@@ -69,6 +85,11 @@ std::string ExecutableDirectory()
     path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
     path.resize(path.rfind('\\') + 1);
     return path;
+}
+
+std::uint64_t ProcessId()
+{
+    return GetCurrentProcessId();
 }
 
 std::string SharedLibraryFileName(const std::string &stem)
@@ -175,11 +196,16 @@ bool RenameOver(const std::string &from, const std::string &to)
 {
     for (int attempt = 1;; ++attempt)
     {
-        if (MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING))
+        if (ReplaceFileA(to.c_str(), from.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr))
+            return true;
+        if (GetLastError() == ERROR_FILE_NOT_FOUND &&
+            MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
             return true;
         // A scanner of files has a new one open for a moment.
         const DWORD error = GetLastError();
-        if (attempt == kRenameAttempts || (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION))
+        const bool isHeld = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
+                            error == ERROR_UNABLE_TO_REMOVE_REPLACED;
+        if (attempt == kRenameAttempts || !isHeld)
             return false;
         Sleep(kRenamePause);
     }
@@ -204,6 +230,46 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
     if (stream)
         SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream.get()))), HANDLE_FLAG_INHERIT, 0);
     return stream;
+}
+
+StreamOwner CreateStream(const std::string &path)
+{
+    const int descriptor =
+        _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    if (descriptor == -1)
+        return nullptr;
+    StreamOwner stream(_fdopen(descriptor, "wb"));
+    if (!stream)
+        _close(descriptor);
+    return stream;
+}
+
+bool SyncStream(std::FILE *stream)
+{
+    const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    return std::fflush(stream) == 0 && (GetFileType(file) != FILE_TYPE_DISK || FlushFileBuffers(file));
+}
+
+bool CopyOwnership(const std::string & /*path*/, std::FILE * /*stream*/)
+{
+    return true;
+}
+
+FileLock::FileLock(const std::string &path, std::uint32_t milliseconds)
+    : m_system(reinterpret_cast<std::intptr_t>(CreateMutexA(nullptr, FALSE, LockName(path).c_str())))
+{
+    if (m_system)
+        m_granted = WaitForSingleObject(reinterpret_cast<HANDLE>(m_system), milliseconds) != WAIT_TIMEOUT;
+}
+
+FileLock::~FileLock()
+{
+    const auto mutex = reinterpret_cast<HANDLE>(m_system);
+    if (!mutex)
+        return;
+    if (m_granted)
+        ReleaseMutex(mutex);
+    CloseHandle(mutex);
 }
 
 MutexHandle MakeMutex(const char *name)

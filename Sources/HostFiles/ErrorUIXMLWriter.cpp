@@ -1,6 +1,6 @@
 #include "ErrorUIXMLWriter.h"
 
-#include "Platform.h"
+#include "ReplacedFile.h"
 #include "SanitizeText.h"
 #include "TracedBarrier.h"
 
@@ -11,6 +11,9 @@
 
 namespace
 {
+
+/// Another process's turn takes milliseconds; one that takes this long is stopped or dead.
+constexpr std::uint32_t kLongestWait = 10'000;
 
 struct Attribute
 {
@@ -25,6 +28,22 @@ void AddMessage(xmlNodePtr parent, std::initializer_list<Attribute> attributes)
         throw std::bad_alloc();
     for (const Attribute &attribute : attributes)
         CCXmlSetTextAttribute(message, attribute.name, attribute.value);
+}
+
+/// Puts the bytes of a damaged file beside it, unless an earlier one's are there already.
+bool KeepDamaged(const std::string &fileName)
+{
+    const std::string kept = Platform::LinkTarget(fileName) + ".damaged";
+    if (Platform::OpenStream(kept, "rb"))
+        return true;
+    const Platform::StreamOwner damaged = Platform::OpenStream(fileName, "rb");
+    std::string bytes;
+    if (!damaged || !Platform::ReadBytes(damaged.get(), bytes))
+        return false;
+    if (bytes.empty())
+        return true;
+    Platform::ReplacedFile copy(kept);
+    return copy.Open() && std::fwrite(bytes.data(), 1, bytes.size(), copy.Stream()) == bytes.size() && copy.Commit();
 }
 
 } // namespace
@@ -59,17 +78,35 @@ Status ErrorUIXMLWriter::Initialize(std::string toolName, std::string fileName)
     return status;
 }
 
-Status ErrorUIXMLWriter::OpenDocument(std::string toolName, const std::string &fileName, FunctionTrace &trace)
+/// Takes the document of a file that is there and sound. Success also where a new document is right.
+Status ErrorUIXMLWriter::TakeDocument(const std::string &fileName, FunctionTrace &trace)
 {
     errno = 0;
     if (Platform::OpenStream(fileName, "rb"))
         GetRootNodeFromExistingXML(fileName);
-    else if (errno == EACCES)
-        return trace.Fail(StatusCode::Failed, "the file is there and cannot be read\n"); // its entries must not be lost
+    else
+        m_reading = errno == ENOENT || errno == ENOTDIR ? CCXmlReading::Read : CCXmlReading::Unreadable;
+    // Whatever is in the file must not be lost.
+    if (m_reading == CCXmlReading::NoMemory)
+        return trace.Fail(StatusCode::NoMemory, "out of memory\n");
+    if (m_reading == CCXmlReading::Unreadable)
+        return trace.Fail(StatusCode::Failed, "the file is there and cannot be read\n");
+    if (m_reading == CCXmlReading::NotWellFormed && !KeepDamaged(fileName))
+        return trace.Fail(StatusCode::Failed, "the damaged file cannot be kept\n");
+    return StatusCode::Success;
+}
+
+Status ErrorUIXMLWriter::OpenDocument(std::string toolName, const std::string &fileName, FunctionTrace &trace)
+{
+    if (!m_lock.emplace(Platform::LinkTarget(fileName), kLongestWait))
+        return trace.Fail(StatusCode::Failed, "another process has not let go of the file\n");
+    const Status taken = TakeDocument(fileName, trace);
+    if (taken != StatusCode::Success)
+        return taken;
     if (!m_pDoc)
         m_pDoc.reset(CCXmlCreateDoc(nullptr));
     if (!m_pDoc)
-        return trace.Fail(StatusCode::Failed, "CCXmlCreateDoc failed\n");
+        return trace.Fail(StatusCode::NoMemory, "CCXmlCreateDoc failed\n");
     if (!m_pRootNode)
     {
         m_pRootNode = CCXmlSetRootElement(m_pDoc.get(), CCXmlAddNode(nullptr, "Tool", nullptr));
@@ -81,6 +118,7 @@ Status ErrorUIXMLWriter::OpenDocument(std::string toolName, const std::string &f
 
 void ErrorUIXMLWriter::ForgetDocument()
 {
+    m_lock.reset();
     m_pDoc.reset();
     m_pRootNode = nullptr;
     m_pErrorNode = nullptr;
@@ -94,7 +132,7 @@ void ErrorUIXMLWriter::GetRootNodeFromExistingXML(std::string fileName)
         trace.Text(TRACE_FAILURE, "fileName is empty\n");
         return;
     }
-    m_pDoc.reset(CCXmlParseXMLfile(fileName.c_str()));
+    m_pDoc.reset(CCXmlParseXMLfile(fileName.c_str(), &m_reading, &m_earlierEntries));
     if (!m_pDoc)
     {
         TRACE(trace, TRACE_FAILURE, "Failed to XML file [%s]\n", fileName.c_str());
@@ -134,7 +172,7 @@ Status ErrorUIXMLWriter::SaveDataFile(std::string fileName)
         return trace.Fail(StatusCode::NotFound, "fileName is empty\n");
     if (!m_pDoc)
         return trace.Fail(StatusCode::Missing, "NULL Pointer:m_pDoc\n");
-    const Status status = CCXmlSave(fileName.c_str(), m_pDoc.get());
+    const Status status = CCXmlSave(fileName.c_str(), m_pDoc.get(), &m_earlierEntries);
     if (status != StatusCode::Success)
         TRACE(trace, TRACE_ERROR, "CCXmlSave failed with %d\n", status);
     return trace.Done(status);

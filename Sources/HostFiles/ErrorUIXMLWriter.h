@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DebugTrace.h"
+#include "Platform.h"
 #include "StatusCode.h"
 #include "xmlInterface.h"
 
@@ -16,9 +17,12 @@ public:
     ErrorUIXMLWriter(const ErrorUIXMLWriter &) = delete;
     ErrorUIXMLWriter &operator=(const ErrorUIXMLWriter &) = delete;
 
-    /// Takes the document from the file, or makes a new one with the root "Tool" named `toolName` when there is none
-    /// that can be parsed, and appends an empty entry. Returns Success, NotFound for an empty argument, Failed when no
-    /// document can be created, NoMemory.
+    /// Takes the document from the file and appends an empty entry. Where there is no file, or the whole of it was read
+    /// and is no document, makes a new one with the root "Tool" named `toolName`; the bytes of the damaged file are
+    /// then in one beside it, with ".damaged" behind its name, unless there is such a file already. Keeps other
+    /// processes away from the file until UnInitialize. Returns Success; NotFound for an empty argument; Failed, with
+    /// the file as it was, when it is there and cannot be read, when what is damaged cannot be kept, when another
+    /// process has not let go of it within ten seconds, or when no document can be created; NoMemory.
     Status Initialize(std::string toolName, std::string fileName);
 
     /// Takes the document from the file, if it can be parsed.
@@ -38,6 +42,7 @@ public:
 
 private:
     Status OpenDocument(std::string toolName, const std::string &fileName, FunctionTrace &trace);
+    Status TakeDocument(const std::string &fileName, FunctionTrace &trace);
     void ForgetDocument();
 
     TraceSource m_debugHandle{"ErrorUIXMLWriter", "ErrorUIXMLWriter"};
@@ -45,5 +50,8 @@ private:
     // Both belong to the document.
     xmlNodePtr m_pRootNode = nullptr;
     xmlNodePtr m_pErrorNode = nullptr;
+    CCXmlReading m_reading = CCXmlReading::Read;
+    CCXmlOmitted m_earlierEntries;
     std::optional<CCXmlBracket> m_bracket;
+    std::optional<Platform::FileLock> m_lock;
 };

@@ -5,14 +5,18 @@
 #include "Platform.h"
 #include "ReplacedFile.h"
 #include "xmlInterfaceText.h"
+#include "xmlSavedForm.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
+#include <limits>
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace
@@ -103,7 +107,7 @@ xmlNodePtr AppendChild(xmlNodePtr parent, xmlNodePtr node)
     return added;
 }
 
-struct FreeParserContext
+struct FreeParser
 {
     void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
 };
@@ -171,7 +175,7 @@ std::unique_ptr<xmlDoc, FreeParsed> Recover(const char *buffer, std::int32_t siz
 {
     const MemoryWatch memory;
     xmlInitParser();
-    const std::unique_ptr<xmlParserCtxt, FreeParserContext> parser(xmlCreateMemoryParserCtxt(buffer, size));
+    const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlCreateMemoryParserCtxt(buffer, size));
     if (!parser && buffer && size > 0)
         throw std::bad_alloc();
     if (!parser)
@@ -212,40 +216,88 @@ char *MoveToCHeap(xmlChar *block, std::size_t size)
     return copy;
 }
 
-/// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
-bool WriteInPlace(const std::string &fileName, xmlDocPtr document)
+bool LacksMemory(xmlParserCtxtPtr parser)
 {
-    Platform::StreamOwner stream = Platform::OpenStream(fileName, "wb");
-    if (!stream || xmlDocDump(stream.get(), document) == -1)
-        return false;
-    return std::fclose(stream.release()) == 0;
+    const auto *const error = xmlCtxtGetLastError(parser);
+    return error && error->code == XML_ERR_NO_MEMORY;
 }
 
-int ReadStream(void *stream, char *bytes, int size)
+/// Parses a text strictly; `document` is null when there is none.
+CCXmlReading ParseStrictly(std::string_view text, xmlDocPtr &document)
 {
-    auto *const file = static_cast<std::FILE *>(stream);
-    const std::size_t count = std::fread(bytes, 1, static_cast<std::size_t>(size), file);
-    return std::ferror(file) ? -1 : static_cast<int>(count);
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        return CCXmlReading::NoMemory;
+    const MemoryWatch memory;
+    const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
+    if (!parser)
+        return CCXmlReading::NoMemory;
+    std::unique_ptr<xmlDoc, FreeParsed> read(
+        xmlCtxtReadMemory(parser.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr, 0));
+    if (read && !memory.Lacked())
+    {
+        document = read.release();
+        return CCXmlReading::Read;
+    }
+    return memory.Lacked() || LacksMemory(parser.get()) ? CCXmlReading::NoMemory : CCXmlReading::NotWellFormed;
+}
+
+/// Takes the root's children out of `text`, where that may be done.
+void OmitChildren(std::string &text, CCXmlOmitted &omitted)
+{
+    const std::string_view children = RootChildrenInSavedForm(text);
+    omitted.text = children;
+    if (children.empty())
+        return;
+    omitted.position = static_cast<std::size_t>(children.data() - text.data());
+    text.erase(omitted.position, children.size());
 }
 
 /// What xmlReadFile does, through a stream of the platform: xmlReadFile also takes addresses of the network, "-" for
 /// standard input, "%41" for "A", and on Windows names that are not in the ANSI code page.
-xmlDocPtr ReadDocument(const char *fileName)
+CCXmlReading ReadDocument(const char *fileName, xmlDocPtr &document, CCXmlOmitted *omitted)
 {
     const Platform::StreamOwner stream = Platform::OpenStream(fileName, "rb");
-    return stream ? xmlReadIO(ReadStream, nullptr, stream.get(), nullptr, nullptr, 0) : nullptr;
+    std::string text;
+    if (!stream || !Platform::ReadBytes(stream.get(), text))
+        return CCXmlReading::Unreadable;
+    if (omitted)
+        OmitChildren(text, *omitted);
+    const CCXmlReading reading = ParseStrictly(text, document);
+    // libxml2 takes some allocations that failed for damage, so it has to see damage twice.
+    return reading == CCXmlReading::NotWellFormed ? ParseStrictly(text, document) : reading;
 }
 
-/// Writes in place only where the folder takes no new file or the system refuses the rename, never after a write that
-/// failed: what is there then stays.
-bool Save(const std::string &fileName, xmlDocPtr document)
+bool WritePieces(std::FILE *stream, std::initializer_list<std::string_view> pieces)
+{
+    return std::all_of(pieces.begin(), pieces.end(),
+                       [stream](std::string_view piece)
+                       { return std::fwrite(piece.data(), 1, piece.size(), stream) == piece.size(); });
+}
+
+/// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
+bool Write(std::FILE *stream, xmlDocPtr document, const CCXmlOmitted *omitted)
+{
+    const MemoryWatch memory;
+    if (!omitted || omitted->text.empty())
+    {
+        const bool written = xmlDocDump(stream, document) != -1;
+        return memory.Lacked() ? throw std::bad_alloc() : written;
+    }
+    xmlChar *block = nullptr;
+    int size = 0;
+    xmlDocDumpMemory(document, &block, &size);
+    const std::unique_ptr<xmlChar, FreeXmlMemory> owned(block);
+    if (!block || memory.Lacked())
+        throw std::bad_alloc(); // a part, at best
+    const std::string_view text(reinterpret_cast<const char *>(block), static_cast<std::size_t>(size));
+    return WritePieces(stream, {text.substr(0, omitted->position), omitted->text, text.substr(omitted->position)});
+}
+
+bool Save(const std::string &fileName, xmlDocPtr document, const CCXmlOmitted *omitted)
 {
     const QuietErrors quiet;
     Platform::ReplacedFile file(fileName);
-    if (!file.Open())
-        return WriteInPlace(fileName, document);
-    const bool written = xmlDocDump(file.Stream(), document) != -1 && file.Finish();
-    return written && (file.Commit() || WriteInPlace(fileName, document));
+    return file.Open() && Write(file.Stream(), document, omitted) && file.Commit();
 }
 
 } // namespace
@@ -272,19 +324,22 @@ Status CCDeInitializeXMLParser()
     return StatusCode::Success;
 }
 
-xmlDocPtr CCXmlParseXMLfile(const char *fileName)
+xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading, CCXmlOmitted *omitted)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLfile");
     TRACE(trace, TRACE_ENTRY, "File name passed is %s", fileName);
     xmlDocPtr document = nullptr;
-    WithoutExceptions(
+    CCXmlReading outcome = CCXmlReading::Unreadable;
+    const Status status = WithoutExceptions(
         [&]
         {
             const QuietErrors quiet;
             if (fileName)
-                document = ReadDocument(fileName);
+                outcome = ReadDocument(fileName, document, omitted);
             return StatusCode::Success;
         });
+    if (reading)
+        *reading = status == StatusCode::NoMemory ? CCXmlReading::NoMemory : outcome;
     if (!document)
     {
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
@@ -446,7 +501,7 @@ Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
     return StatusCode::Success;
 }
 
-Status CCXmlSave(const char *fileName, xmlDocPtr document)
+Status CCXmlSave(const char *fileName, xmlDocPtr document, const CCXmlOmitted *omitted)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlSave");
     TRACE(trace, TRACE_ENTRY, "File name %s, Document Pointer %p", fileName, static_cast<void *>(document));
@@ -455,8 +510,8 @@ Status CCXmlSave(const char *fileName, xmlDocPtr document)
         trace.Error("File name passed is NULL");
     else
     {
-        const auto save = [&] { return Save(fileName, document) ? StatusCode::Success : StatusCode::Failed; };
-        status = WithoutExceptions(save) == StatusCode::Success ? StatusCode::Success : StatusCode::Failed;
+        const auto save = [&] { return Save(fileName, document, omitted) ? StatusCode::Success : StatusCode::Failed; };
+        status = WithoutExceptions(save);
     }
     TRACE(trace, TRACE_EXIT, "return status %d", status);
     return status;

@@ -32,8 +32,27 @@ public:
     CCXmlBracket &operator=(const CCXmlBracket &) = delete;
 };
 
-/// Parses the file (xmlReadFile, strict). The caller owns the document (CCXmlFreeDocPtr); null when there is none.
-xmlDocPtr CCXmlParseXMLfile(const char *fileName);
+/// What became of reading a document's file.
+enum class CCXmlReading
+{
+    Read,
+    NotWellFormed,
+    /// The file could not be opened or not be read to its end.
+    Unreadable,
+    NoMemory
+};
+
+/// The children of a root that its tree leaves out, as text, and where they stand in the saved document.
+struct CCXmlOmitted
+{
+    std::string text;
+    std::size_t position = 0;
+};
+
+/// Parses the file (xmlReadFile, strict). The caller owns the document (CCXmlFreeDocPtr); null when there is none; then
+/// `reading`, if given, tells why. With `omitted`, for a caller that only adds to the root: where the file is just what
+/// CCXmlSave writes, the root's children are checked and left out of the tree, which takes a small part of the time.
+xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading = nullptr, CCXmlOmitted *omitted = nullptr);
 
 /// How well a text could be parsed in recovery mode.
 struct CCXmlRecovery
@@ -91,10 +110,10 @@ xmlNodePtr CCXmlAddNode(xmlNodePtr parent, const char *name, const char *content
 /// document or `memory` is null or memory runs out.
 Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size);
 
-/// Saves the document to a file (as xmlSaveFile does). The file is written beside its final place and then renamed, so
-/// that an earlier one stays whole until the new one is; where that cannot be done it is written directly. Returns
-/// Success, or Failed when an argument is null or the file cannot be written.
-Status CCXmlSave(const char *fileName, xmlDocPtr document);
+/// Saves the document to a file (as xmlSaveFile does), by way of Platform::ReplacedFile: an earlier one stays whole
+/// until the new one is. The children that CCXmlParseXMLfile has left out stand in front of those of the tree again;
+/// the root must have got one. Returns Success, or Failed when an argument is null or the file cannot be written.
+Status CCXmlSave(const char *fileName, xmlDocPtr document, const CCXmlOmitted *omitted = nullptr);
 
 /// Takes a node out of its document and frees it with everything below it (xmlUnlinkNode, xmlFreeNode), for a reader
 /// that is done with it: what was just read costs least to free. Null is ignored. Writes no trace lines.

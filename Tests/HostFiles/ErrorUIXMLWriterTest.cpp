@@ -74,6 +74,11 @@ TEST_F(ErrorFileTest, KeepsWhatCanBeParsedAndReplacesWhatCannot)
         const std::vector<std::string> expected = {function + line + m_path + "]\n"};
         EXPECT_EQ(TraceLog::Take(), *line ? expected : std::vector<std::string>()) << before;
     }
+    // The first damaged file is kept, and only that.
+    EXPECT_EQ(ReadFile(m_path + ".damaged"), "<Tool><Error></Tool>");
+    WriteFile(m_path, "<Tool>again");
+    EXPECT_EQ(Write("M", "T"), StatusCode::Success);
+    EXPECT_EQ(ReadFile(m_path + ".damaged"), "<Tool><Error></Tool>");
 }
 
 TEST_F(ErrorFileTest, TellsWhyNothingWasWritten)

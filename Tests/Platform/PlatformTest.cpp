@@ -127,6 +127,24 @@ TEST(Mutex, CanBeTakenAgainByItsHolderOnly)
     EXPECT_FALSE(Platform::WaitMutex(nullptr));
 }
 
+TEST(FileLock, KeepsOthersAwayForTheTimeTheyWait)
+{
+    const TemporaryDirectory directory;
+    const auto isGranted = [&directory](const char *name)
+    {
+        bool granted = false;
+        std::thread([&] { granted = static_cast<bool>(Platform::FileLock(directory.Path(name), 20)); }).join();
+        return granted;
+    };
+    {
+        const Platform::FileLock lock(directory.Path("file"), 0);
+        EXPECT_TRUE(lock);
+        EXPECT_FALSE(isGranted("file"));
+    }
+    EXPECT_TRUE(isGranted("file"));
+    EXPECT_TRUE(isGranted("no folder/file"));
+}
+
 TEST(Utf8ToUtf16, ReplacesEveryIllFormedPart)
 {
     const std::pair<std::string, std::u16string> cases[] = {

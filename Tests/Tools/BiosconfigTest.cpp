@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <thread>
 
 namespace
 {
@@ -92,6 +93,29 @@ TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRu
         EXPECT_NE(messages.find("  Failed to initialise (BiosConfigModule - GetData), "), std::string::npos);
         EXPECT_EQ(messages.find("Earlier"), std::string::npos) << messages;
     }
+}
+
+TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
+{
+    constexpr int kRuns = 10;
+    fs::remove_all("Program Files");
+    const auto fail = []
+    {
+        std::uint32_t exitCode = 0;
+        for (int run = 0; run < kRuns; ++run)
+            EXPECT_TRUE(Platform::RunCommand(
+                "\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode));
+        EXPECT_EQ(exitCode, 1U);
+    };
+    std::thread processes[] = {std::thread(fail), std::thread(fail), std::thread(fail), std::thread(fail)};
+    for (std::thread &process : processes)
+        process.join();
+    const std::string errors = ReadFile("tools/Error.xml");
+    std::size_t entries = 0;
+    for (std::size_t at = 0; (at = errors.find("<Error>", at)) != std::string::npos; ++at)
+        ++entries;
+    EXPECT_EQ(entries, std::size(processes) * kRuns);
+    EXPECT_EQ(FilesIn("tools"), 3);
 }
 
 TEST_F(BiosconfigTest, PrintsOneCapabilityPerLine)
