@@ -11,6 +11,7 @@ extern "C"
     void *__libc_malloc(std::size_t size);
     void *__libc_calloc(std::size_t count, std::size_t size);
     void *__libc_realloc(void *memory, std::size_t size);
+    void *__libc_memalign(std::size_t alignment, std::size_t size);
     void __libc_free(void *memory);
 }
 
@@ -51,6 +52,11 @@ extern "C"
         void *const moved = Counted([=] { return __libc_realloc(memory, size); });
         liveBlocks -= memory && moved ? 1 : 0;
         return moved;
+    }
+
+    void *aligned_alloc(std::size_t alignment, std::size_t size) noexcept
+    {
+        return Counted([=] { return __libc_memalign(alignment, size); });
     }
 
     void free(void *memory) noexcept
