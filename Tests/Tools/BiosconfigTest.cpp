@@ -95,6 +95,19 @@ TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRu
     }
 }
 
+TEST_F(BiosconfigTest, ADamagedDumpGivesAReportInTheFileAndAnExitCodeOfItsOwn)
+{
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "halfdump");
+    const Outcome outcome = RunBiosconfig("report --tool-dir tools -o out/report.xml");
+    EXPECT_EQ(outcome.exitCode, 6U);
+    EXPECT_NE(outcome.messages.find("  The dump of the options is damaged; options may be missing or in the wrong "
+                                    "group (line "),
+              std::string::npos)
+        << outcome.messages;
+    EXPECT_EQ(ReadFile("out/report.xml"), BufferOf("tools/ModuleData/bios options_UI_XML"));
+    EXPECT_NE(ReadFile("out/report.xml").find("<Row>"), std::string::npos);
+}
+
 TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
 {
     constexpr int kRuns = 10;
@@ -103,8 +116,8 @@ TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
     {
         std::uint32_t exitCode = 0;
         for (int run = 0; run < kRuns; ++run)
-            EXPECT_TRUE(Platform::RunCommand(
-                "\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode));
+            EXPECT_TRUE(
+                Platform::RunCommand("\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode));
         EXPECT_EQ(exitCode, 1U);
     };
     std::thread processes[] = {std::thread(fail), std::thread(fail), std::thread(fail), std::thread(fail)};
