@@ -214,6 +214,7 @@ Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::
                        FunctionTrace &trace)
 {
     const CCXmlBracket bracket;
+    const CCXmlQuiet quiet;
     const CCXmlDocumentOwner document = ParseDump();
     if (!document)
         return trace.Fail(StatusCode::Failed, "readKnob - Doc Pointer is NULL\n");

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <deque>
+#include "RecordMemory.h"
+
+#include <list>
 #include <map>
 #include <memory>
 #include <memory_resource>
@@ -41,32 +43,38 @@ struct KnobDetails
 /// Name to knob.
 using KnobIndex = std::unordered_map<std::string_view, const KnobDetails *>;
 
-/// Knobs in the order of the dump. The records of one reading lie together in memory that is given back as a whole,
-/// so that half a million of them do not scatter over the heap.
+/// Knobs in the order of the dump. Records and texts lie together in memory that is given back as a whole, so that half
+/// a million of them do not scatter over the heap.
 class KnobList
 {
+    using Records = std::pmr::list<KnobDetails>;
+
 public:
+    KnobList() = default;
+    KnobList(KnobList &&other) noexcept { Swap(other); }
+    KnobList &operator=(KnobList &&) = delete;
+
     /// Adds a record without content behind the others.
     KnobDetails &Append();
-    /// Adds a copy of a record.
+    /// Adds a copy of a record; nothing when memory does not suffice (std::bad_alloc).
     void Append(const KnobDetails &knob);
+    /// Removes the last record; there must be one.
     void RemoveLast();
     void Clear();
     void Swap(KnobList &other) noexcept;
     /// The first knob of each name; refers to the list's records.
     KnobIndex FirstOfName() const;
 
-    KnobList() = default;
-    KnobList(KnobList &&) = default;
-    KnobList &operator=(KnobList &&) = delete; // would free the memory before the records in it; Swap does not
-
-    bool IsEmpty() const { return m_knobs.empty(); }
-    std::size_t Size() const { return m_knobs.size(); }
-    auto begin() const { return m_knobs.begin(); }
-    auto end() const { return m_knobs.end(); }
+    bool IsEmpty() const { return Size() == 0; }
+    std::size_t Size() const { return m_records ? m_records->size() : 0; }
+    Records::const_iterator begin() const { return m_records ? m_records->cbegin() : Records::const_iterator(); }
+    Records::const_iterator end() const { return m_records ? m_records->cend() : Records::const_iterator(); }
 
 private:
-    // In this order: the records are gone before their memory.
-    std::unique_ptr<std::pmr::monotonic_buffer_resource> m_memory;
-    std::deque<KnobDetails> m_knobs;
+    Records &MadeRecords();
+
+    std::unique_ptr<RecordMemory> m_memory;
+    /// In that memory, as all of its records. Never destroyed: to visit half a million records, only to find that
+    /// nothing of theirs lies elsewhere, would take longer than giving back the memory.
+    Records *m_records = nullptr;
 };

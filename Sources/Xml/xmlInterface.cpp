@@ -32,22 +32,14 @@ using ErrorRecord = xmlErrorPtr;
 
 void IgnoreError(void * /*context*/, ErrorRecord /*error*/) {}
 
-/// Keeps libxml2's messages from the host's standard error while it lives.
-class QuietErrors
+/// libxml2's error handler, as the outermost CCXmlQuiet found it.
+struct ErrorHandler
 {
-public:
-    QuietErrors() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
-    {
-        xmlSetStructuredErrorFunc(nullptr, IgnoreError);
-    }
-    ~QuietErrors() { xmlSetStructuredErrorFunc(m_context, m_handler); }
-    QuietErrors(const QuietErrors &) = delete;
-    QuietErrors &operator=(const QuietErrors &) = delete;
-
-private:
-    xmlStructuredErrorFunc m_handler;
-    void *m_context;
+    xmlStructuredErrorFunc function = nullptr;
+    void *context = nullptr;
 };
+ErrorHandler foundHandler;
+std::uint32_t quietDepth = 0;
 
 struct FreeXmlMemory
 {
@@ -126,7 +118,7 @@ xmlDocPtr ReadDocument(const char *fileName)
 /// failed: what is there then stays.
 bool Save(const std::string &fileName, xmlDocPtr document)
 {
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     Platform::ReplacedFile file(fileName);
     if (!file.Open())
         return WriteInPlace(fileName, document);
@@ -135,6 +127,20 @@ bool Save(const std::string &fileName, xmlDocPtr document)
 }
 
 } // namespace
+
+CCXmlQuiet::CCXmlQuiet()
+{
+    if (quietDepth++ > 0)
+        return;
+    foundHandler = {xmlStructuredError, xmlStructuredErrorContext};
+    xmlSetStructuredErrorFunc(nullptr, IgnoreError);
+}
+
+CCXmlQuiet::~CCXmlQuiet()
+{
+    if (--quietDepth == 0)
+        xmlSetStructuredErrorFunc(foundHandler.context, foundHandler.function);
+}
 
 Status CCInitializeXMLParser()
 {
@@ -166,7 +172,7 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName)
     WithoutExceptions(
         [&]
         {
-            const QuietErrors quiet;
+            const CCXmlQuiet quiet;
             if (fileName)
                 document = ReadDocument(fileName);
             return StatusCode::Success;
@@ -185,7 +191,7 @@ xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLBuffer");
     TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     const xmlDocPtr document = xmlRecoverMemory(buffer, size);
     if (!document)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
@@ -205,7 +211,7 @@ xmlDocPtr CCXmlCreateDoc(const char *version)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlCreateDoc");
     TRACE(trace, TRACE_ENTRY, "Version passed is %s", version);
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     const xmlDocPtr document = xmlNewDoc(AsXml(version));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
     return document;
@@ -280,7 +286,7 @@ xmlNodePtr CCXmlAddNode(xmlNodePtr parent, const char *name, const char *content
         trace.Text(TRACE_EXIT, "return status NULL");
         return nullptr;
     }
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     xmlNodePtr node = NewElement(name, content);
     if (node && parent)
         node = AppendChild(parent, node);
@@ -305,7 +311,7 @@ Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
         trace.Error("Document Pointer or Memory pointer passed is NULL");
         return StatusCode::Missing;
     }
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     xmlChar *block = nullptr;
     int length = 0;
     xmlDocDumpMemory(document, &block, &length);
@@ -366,7 +372,7 @@ char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
         trace.Text(TRACE_EXIT, "Return NULL");
         return nullptr;
     }
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     char *const value = reinterpret_cast<char *>(xmlGetProp(node, AsXml(attributeName)));
     TRACE(trace, TRACE_EXIT, "Return value %s", value);
     return value;
@@ -382,7 +388,7 @@ void CCXmlSetAttributeValue(xmlNodePtr node, const char *attributeName, const ch
     const FunctionTrace trace(xmlTrace, "CCXmlSetAttributeValue");
     TRACE(trace, TRACE_ENTRY, "Node %p, Attribute Name %s, Attribute Value %s", static_cast<void *>(node),
           attributeName, value);
-    const QuietErrors quiet;
+    const CCXmlQuiet quiet;
     if (!node || !attributeName || !value)
         trace.Error("Node or attribute name or attribute value passed is NULL");
     else

@@ -32,6 +32,17 @@ public:
     CCXmlBracket &operator=(const CCXmlBracket &) = delete;
 };
 
+/// Keeps libxml2's messages from the host's standard error while it lives. Every operation has one of its own where it
+/// needs one; one around many operations makes each of them cheaper.
+class CCXmlQuiet
+{
+public:
+    CCXmlQuiet();
+    ~CCXmlQuiet();
+    CCXmlQuiet(const CCXmlQuiet &) = delete;
+    CCXmlQuiet &operator=(const CCXmlQuiet &) = delete;
+};
+
 /// Parses the file (xmlReadFile, strict). The caller owns the document (CCXmlFreeDocPtr); null when there is none.
 xmlDocPtr CCXmlParseXMLfile(const char *fileName);
 
