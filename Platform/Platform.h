@@ -19,9 +19,10 @@ namespace Platform
 /// Runs `commandLine` (ANSI code page on Windows; the program first, quoted where it holds blanks), waits without
 /// limit and stores the exit code. The child shows no window and inherits environment, current directory and
 /// standard handles. Returns false when the program could not be started; `exitCode` is then unchanged. A child
-/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`; on POSIX that is every child of
-/// a process that ignores SIGCHLD, since the system then keeps no exit codes. Windows: CreateProcessA,
-/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn, waitpid.
+/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`. Windows: CreateProcessA,
+/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn and waitpid in a helper process, a copy of this one with
+/// no other work, so that the exit code arrives whatever the host does with SIGCHLD and with children that end: a host
+/// that ignores the signal, or waits for any child, would else lose it. The copying costs about as much as a fork.
 bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode);
 
 /// The exit code given for a child that ended without one of its own.
@@ -37,7 +38,8 @@ std::uint64_t ProcessId();
 std::string SharedLibraryFileName(const std::string &stem);
 
 /// A shared library loaded at run time; unloaded by the destructor.
-/// Windows: LoadLibraryExA, GetProcAddress; a library at a full path finds those that it needs in its own folder.
+/// Windows: LoadLibraryExA, GetProcAddress; those that the library needs come from its own folder, the program's and
+/// the system's, never from the current one.
 /// POSIX: dlopen (all symbols resolved at once), dlsym.
 class SharedLibrary
 {
@@ -125,8 +127,25 @@ struct CloseStream
 };
 using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
 
-/// Opens a stdio stream as fopen does; children do not inherit it. Null when it cannot be opened, also for a directory.
-StreamOwner OpenStream(const std::string &path, const char *mode);
+/// What may stand behind a path that is opened. Nothing but WaitingFile waits: not for the other end of a pipe, not for
+/// a device.
+enum class StreamKind
+{
+    /// A plain file, or a link to one.
+    PlainFile,
+    /// A device or a pipe that somebody reads, too.
+    AnyFile,
+    /// The same, and a pipe is waited for.
+    WaitingFile
+};
+
+/// Opens a stdio stream as fopen does, with the modes r, w and a, and + and b behind them; children do not inherit it.
+/// Null when it cannot be opened, for a directory, and for what `kind` leaves out.
+StreamOwner OpenStream(const std::string &path, const char *mode, StreamKind kind = StreamKind::PlainFile);
+
+/// Whether something stands under this name, a directory and what cannot be opened included; a link counts as what it
+/// leads to. True also when the system does not tell.
+bool IsThere(const std::string &path);
 
 /// Creates a file that is not there yet, for writing bytes; a link of that name is not followed. Null, with EEXIST in
 /// errno where something of that name is there, when it cannot be created. Windows: _open. POSIX: open.
@@ -142,6 +161,9 @@ bool CopyOwnership(const std::string &path, std::FILE *stream);
 
 /// Replaces `bytes` with what `stream` holds up to its end. Returns false when that cannot be read.
 bool ReadBytes(std::FILE *stream, std::string &bytes);
+
+/// `text` without the mark of UTF-8 that some editors put in front of it.
+std::string_view WithoutByteOrderMark(std::string_view text);
 
 /// Reads a whole text file; every pair of carriage return and line feed arrives as one line feed. Returns false when
 /// the file cannot be opened or read; `text` is then unchanged.
@@ -196,8 +218,8 @@ private:
 using MutexHandle = void *;
 
 /// Creates a mutex that nobody holds; null on failure, also without memory. On Windows it is named (CreateMutexA),
-/// of the whole session, and a null or empty `name` gives one without a name; on POSIX it belongs to the process and
-/// the name is not used.
+/// of the whole session, and a null or empty `name`, or one that cannot be had, gives one without a name; on POSIX it
+/// belongs to the process and the name is not used.
 MutexHandle MakeMutex(const char *name);
 
 /// Waits without limit until the calling thread holds `mutex`. Returns false for null or when the wait fails.
@@ -230,7 +252,8 @@ private:
 /// Windows: QueryPerformanceCounter and QueryPerformanceFrequency. POSIX: clock_gettime.
 bool MonotonicMilliseconds(std::uint64_t &milliseconds);
 
-/// Breaks `time` down into local time. Returns false when the system cannot.
+/// Breaks `time` down into local time, by the time zone that the environment names now. Returns false when the system
+/// cannot.
 bool LocalTime(std::time_t time, std::tm &local);
 
 // Text

@@ -67,6 +67,12 @@ bool ReadBytes(std::FILE *stream, std::string &bytes)
     return std::ferror(stream) == 0;
 }
 
+std::string_view WithoutByteOrderMark(std::string_view text)
+{
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
+}
+
 bool ReadTextFile(const std::string &path, std::string &text)
 {
     const StreamOwner stream = OpenStream(path, "rb");

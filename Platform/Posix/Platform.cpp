@@ -5,10 +5,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <new>
+#include <optional>
 #include <pthread.h>
 #include <spawn.h>
 #include <sys/file.h>
@@ -28,6 +30,7 @@ namespace
 constexpr std::uint32_t kMillisecondsPerSecond = 1000;
 constexpr std::uint32_t kNanosecondsPerMillisecond = 1000000;
 constexpr mode_t kAllModeBits = 07777;
+constexpr mode_t kForEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
 
 /// `path` as the system's own functions take it.
 std::string NativePath(const std::string &path)
@@ -35,19 +38,6 @@ std::string NativePath(const std::string &path)
     std::string native = path;
     std::replace(native.begin(), native.end(), '\\', '/');
     return native;
-}
-
-/// Waits for `child` and gives its exit code, also when the wait is interrupted.
-std::uint32_t WaitForExitCode(pid_t child)
-{
-    int state = 0;
-    pid_t ended = -1;
-    do
-        ended = waitpid(child, &state, 0);
-    while (ended == -1 && errno == EINTR);
-    if (ended != child || !WIFEXITED(state))
-        return kUnknownExitCode;
-    return static_cast<std::uint32_t>(WEXITSTATUS(state));
 }
 
 /// The folder of a native path, "." where the path names none.
@@ -77,10 +67,141 @@ private:
     int m_descriptor;
 };
 
-bool IsDirectory(std::FILE *stream)
+bool IsTaken(mode_t mode, StreamKind kind)
+{
+    return S_ISREG(mode) || (kind != StreamKind::PlainFile && !S_ISDIR(mode));
+}
+
+int OpenFlags(std::string_view mode)
+{
+    const int access = mode.find('+') != std::string_view::npos ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY;
+    const int creation = mode[0] == 'w' ? O_CREAT | O_TRUNC : mode[0] == 'a' ? O_CREAT | O_APPEND : 0;
+    return access | creation | O_CLOEXEC | O_NOCTTY;
+}
+
+/// Opens a native path; what is no plain file is not even opened where it is not wanted, since that alone makes some
+/// devices do something.
+int OpenDescriptor(const std::string &path, const char *mode, StreamKind kind)
 {
     struct stat status = {};
-    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+    if (stat(path.c_str(), &status) == 0 && !IsTaken(status.st_mode, kind))
+    {
+        errno = EINVAL;
+        return -1;
+    }
+    const int waiting = kind == StreamKind::WaitingFile ? 0 : O_NONBLOCK;
+    return open(path.c_str(), OpenFlags(mode) | waiting, kForEverybody);
+}
+
+/// What became of a child: why it could not be started, or 0 and the state that waitpid gave.
+struct ChildEnd
+{
+    int error;
+    int state;
+};
+
+/// The state of a child that nobody knows the end of: as if by SIGKILL.
+constexpr int kUnknownState = SIGKILL;
+
+/// waitpid, also when it is interrupted.
+pid_t WaitFor(pid_t child, int &state)
+{
+    pid_t ended = -1;
+    do
+        ended = waitpid(child, &state, 0);
+    while (ended == -1 && errno == EINTR);
+    return ended;
+}
+
+/// All that the helper does. It may use only what is allowed behind a fork of a process with threads: no memory of the
+/// heap, no lock. While the program runs it keeps nothing of the host's open.
+[[noreturn]] void BeHelper(char *const *arguments, const posix_spawnattr_t &attributes, int result)
+{
+    struct sigaction byDefault = {};
+    byDefault.sa_handler = SIG_DFL;
+    sigaction(SIGCHLD, &byDefault, nullptr);
+    pid_t child = -1;
+    ChildEnd end = {posix_spawn(&child, arguments[0], nullptr, &attributes, arguments, environ), kUnknownState};
+    close_range(0, static_cast<unsigned>(result) - 1, 0);
+    close_range(static_cast<unsigned>(result) + 1, ~0U, 0);
+    if (end.error == 0 && WaitFor(child, end.state) != child)
+        end.state = kUnknownState;
+    const ssize_t written = write(result, &end, sizeof end);
+    _exit(written == sizeof end ? 0 : 1);
+}
+
+/// Signals of the terminal are for the program, not for the helper: it blocks them all, and the attributes give the
+/// program the host's mask.
+class HelperSignals
+{
+public:
+    HelperSignals()
+    {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+        m_isReady = posix_spawnattr_init(&m_attributes) == 0;
+        if (m_isReady)
+        {
+            posix_spawnattr_setsigmask(&m_attributes, &m_before);
+            posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGMASK);
+        }
+    }
+    ~HelperSignals()
+    {
+        Restore();
+        if (m_isReady)
+            posix_spawnattr_destroy(&m_attributes);
+    }
+    HelperSignals(const HelperSignals &) = delete;
+    HelperSignals &operator=(const HelperSignals &) = delete;
+
+    explicit operator bool() const { return m_isReady; }
+    const posix_spawnattr_t &Attributes() const { return m_attributes; }
+    /// The host's mask again.
+    void Restore() const { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+private:
+    sigset_t m_before;
+    posix_spawnattr_t m_attributes;
+    bool m_isReady = false;
+};
+
+/// Reads what the helper says; `end` stays as it is where it ends before it has said anything.
+void ReadEnd(int descriptor, ChildEnd &end)
+{
+    ChildEnd told = end;
+    ssize_t length = -1;
+    do
+        length = read(descriptor, &told, sizeof told);
+    while (length == -1 && errno == EINTR);
+    if (length == sizeof told)
+        end = told;
+}
+
+/// Has a helper process run the program and tell of it through a pipe. The other ways are not clean for a library: to
+/// change what SIGCHLD does, also for a moment, changes it under the host's other threads, and another thread that
+/// waits for any child would still get this one. False when there is no helper.
+bool RunByHelper(char *const *arguments, ChildEnd &end)
+{
+    int ends[2] = {-1, -1};
+    if (pipe2(ends, O_CLOEXEC) != 0)
+        return false;
+    const Descriptor reading(ends[0]);
+    std::optional<Descriptor> writing(ends[1]);
+    const HelperSignals signals;
+    const pid_t helper = signals ? _Fork() : -1;
+    if (helper == 0)
+        BeHelper(arguments, signals.Attributes(), ends[1]);
+    writing.reset();
+    signals.Restore();
+    if (helper == -1)
+        return false;
+    ReadEnd(reading.Get(), end);
+    // Nothing is left to wait for where the host has done so.
+    int state = 0;
+    WaitFor(helper, state);
+    return true;
 }
 
 /// A pthread mutex that its holder may take again; false when the system has no more.
@@ -111,10 +232,10 @@ bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
     }
     argumentPointers.push_back(nullptr);
 
-    pid_t child = 0;
-    if (posix_spawn(&child, arguments[0].c_str(), nullptr, nullptr, argumentPointers.data(), environ) != 0)
+    ChildEnd end = {0, kUnknownState};
+    if (!RunByHelper(argumentPointers.data(), end) || end.error != 0)
         return false;
-    exitCode = WaitForExitCode(child);
+    exitCode = WIFEXITED(end.state) ? static_cast<std::uint32_t>(WEXITSTATUS(end.state)) : kUnknownExitCode;
     return true;
 }
 
@@ -227,17 +348,33 @@ bool RemoveFile(const std::string &path)
     return unlink(NativePath(path).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR || errno == EISDIR;
 }
 
-StreamOwner OpenStream(const std::string &path, const char *mode)
+StreamOwner OpenStream(const std::string &path, const char *mode, StreamKind kind)
 {
-    StreamOwner stream(std::fopen(NativePath(path).c_str(), (std::string(mode) + "e").c_str()));
-    if (stream && IsDirectory(stream.get()))
-        stream.reset();
+    const int descriptor = OpenDescriptor(NativePath(path), mode, kind);
+    if (descriptor == -1)
+        return nullptr;
+    struct stat status = {};
+    StreamOwner stream;
+    // What stood there may be another thing than what was opened.
+    if (fstat(descriptor, &status) == 0 && IsTaken(status.st_mode, kind) &&
+        fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK) == 0)
+        stream.reset(fdopen(descriptor, mode));
+    if (!stream)
+    {
+        close(descriptor);
+        errno = EINVAL;
+    }
     return stream;
+}
+
+bool IsThere(const std::string &path)
+{
+    struct stat status = {};
+    return stat(NativePath(path).c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
 StreamOwner CreateStream(const std::string &path)
 {
-    constexpr mode_t kForEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
     const int descriptor =
         open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody);
     if (descriptor == -1)
@@ -327,6 +464,7 @@ bool MonotonicMilliseconds(std::uint64_t &milliseconds)
 
 bool LocalTime(std::time_t time, std::tm &local)
 {
+    tzset();
     return localtime_r(&time, &local) != nullptr;
 }
 

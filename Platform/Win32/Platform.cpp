@@ -4,7 +4,9 @@
 
 #define WIN32_LEAN_AND_MEAN
 
+#include <cerrno>
 #include <climits>
+#include <ctime>
 #include <fcntl.h>
 #include <io.h>
 #include <new>
@@ -21,6 +23,7 @@ namespace
 
 constexpr DWORD kCreationFlags = CREATE_NO_WINDOW | NORMAL_PRIORITY_CLASS;
 constexpr double kMillisecondsPerSecond = 1000.0;
+constexpr std::size_t kLongestPath = 32768;
 constexpr int kRenameAttempts = 10;
 constexpr DWORD kRenamePause = 20; // milliseconds
 
@@ -43,14 +46,21 @@ std::wstring ToWide(UINT codePage, std::string_view text)
     return wide;
 }
 
+/// `path` from the drive on, with backslashes; `path` itself where the system does not tell.
+std::string FullPath(const std::string &path)
+{
+    std::string full(kLongestPath, '\0');
+    const DWORD length = GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    full.resize(length < full.size() ? length : 0);
+    return full.empty() ? path : full;
+}
+
 /// A name for the mutex of a file, the same for every spelling of its path. Two files with the same name only wait for
 /// each other without need.
 std::string LockName(const std::string &path)
 {
-    char full[MAX_PATH] = "";
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
     std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a
-    for (const char character : length > 0 && length < sizeof full ? std::string(full) : path)
+    for (const char character : FullPath(path))
     {
         const bool isCapital = character >= 'A' && character <= 'Z';
         hash = (hash ^ static_cast<unsigned char>(isCapital ? character - 'A' + 'a' : character)) * 0x100000001B3;
@@ -101,7 +111,8 @@ SharedLibrary::SharedLibrary(const std::string &path, std::string &error)
     // A library that cannot be loaded is told to the caller, not to the user in a box that waits for a click.
     DWORD errorMode = 0;
     SetThreadErrorMode(SEM_FAILCRITICALERRORS, &errorMode);
-    m_library = LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    m_library = LoadLibraryExA(FullPath(path).c_str(), nullptr,
+                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     const DWORD code = GetLastError();
     SetThreadErrorMode(errorMode, nullptr);
     if (!m_library)
@@ -221,12 +232,26 @@ bool RemoveFile(const std::string &path)
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-StreamOwner OpenStream(const std::string &path, const char *mode)
+StreamOwner OpenStream(const std::string &path, const char *mode, StreamKind kind)
 {
     StreamOwner stream(std::fopen(path.c_str(), mode));
-    if (stream)
-        SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream.get()))), HANDLE_FLAG_INHERIT, 0);
+    if (!stream)
+        return stream;
+    const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream.get())));
+    SetHandleInformation(file, HANDLE_FLAG_INHERIT, 0);
+    if (kind != StreamKind::PlainFile || GetFileType(file) == FILE_TYPE_DISK)
+        return stream;
+    stream.reset();
+    errno = EINVAL;
     return stream;
+}
+
+bool IsThere(const std::string &path)
+{
+    if (GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES)
+        return true;
+    const DWORD error = GetLastError();
+    return error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND && error != ERROR_INVALID_NAME;
 }
 
 StreamOwner CreateStream(const std::string &path)
@@ -271,7 +296,9 @@ FileLock::~FileLock()
 
 MutexHandle MakeMutex(const char *name)
 {
-    return CreateMutexA(nullptr, FALSE, name && *name ? name : nullptr);
+    const HANDLE named = name && *name ? CreateMutexA(nullptr, FALSE, name) : nullptr;
+    // Another user's mutex, or another kind of object, may have the name.
+    return named ? named : CreateMutexA(nullptr, FALSE, nullptr);
 }
 
 bool WaitMutex(MutexHandle mutex)
@@ -307,6 +334,7 @@ bool MonotonicMilliseconds(std::uint64_t &milliseconds)
 
 bool LocalTime(std::time_t time, std::tm &local)
 {
+    _tzset();
     return localtime_s(&local, &time) == 0;
 }
 

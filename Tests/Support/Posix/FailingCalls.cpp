@@ -67,18 +67,13 @@ int CallsSeen()
 // The program's own definitions stand before those of the C library.
 extern "C"
 {
-    std::FILE *fopen(const char *path, const char *mode)
-    {
-        return Fails(SystemCall::Open) ? nullptr : Next<std::FILE *(const char *, const char *)>("fopen")(path, mode);
-    }
-
     int open(const char *path, int flags, ...)
     {
         std::va_list arguments;
         va_start(arguments, flags);
         const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
         va_end(arguments);
-        if ((flags & O_EXCL) != 0 && Fails(SystemCall::Create))
+        if ((flags & O_DIRECTORY) == 0 && Fails((flags & O_EXCL) != 0 ? SystemCall::Create : SystemCall::Open))
             return -1;
         return Next<int(const char *, int, ...)>("open")(path, flags, mode);
     }
