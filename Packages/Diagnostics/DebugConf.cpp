@@ -2,6 +2,7 @@
 
 #include "Container.h"
 #include "ExceptionBarrier.h"
+#include "FilesystemPath.h"
 #include "FindElement.h"
 
 #include <algorithm>
@@ -120,6 +121,23 @@ std::int32_t CompareNames(const void *first, const void *second)
                         static_cast<const DebugConf_t *>(second)->packageName, kDebugConfTextSize);
 }
 
+bool IsSameFile(const char *first, const char *second)
+{
+    std::error_code different;
+    return std::strcmp(first, second) == 0 ||
+           std::filesystem::equivalent(Platform::ToFilesystemPath(first), Platform::ToFilesystemPath(second),
+                                       different);
+}
+
+/// Goes behind the mark of UTF-8 that the text may begin with.
+void SkipByteOrderMark(std::FILE *stream)
+{
+    char start[3];
+    const std::string_view text(start, std::fread(start, 1, sizeof start, stream));
+    if (text.empty() || !Platform::WithoutByteOrderMark(text).empty())
+        std::rewind(stream);
+}
+
 Status MakeRecordList(ContainerHandle_t *&records)
 {
     ContainerParams_t params;
@@ -165,6 +183,7 @@ Status DebugConfiguration::ReadFile()
 
 Status DebugConfiguration::ReadLines(std::FILE *stream)
 {
+    SkipByteOrderMark(stream);
     char buffer[kLineBufferSize];
     std::uint32_t line = 0;
     bool continues = false;
@@ -278,15 +297,15 @@ Status DebugConfiguration::ApplyRecord(DebugConf_t &record, DebugHandle_t &handl
     return StatusCode::Success;
 }
 
-/// Records that name the same file share one stream: two would write over each other's lines.
+/// Records that name the same file, in whichever way, share one stream: two would write over each other's lines.
 std::FILE *DebugConfiguration::LogFile(DebugConf_t &record)
 {
     const DebugConf_t *const open =
         FindElement<DebugConf_t>(m_records, [&record](const DebugConf_t &other)
-                                 { return other.file && std::strcmp(other.fileName, record.fileName) == 0; });
+                                 { return other.file && IsSameFile(other.fileName, record.fileName); });
     if (open)
         return open->file.get();
-    record.file = Platform::OpenStream(record.fileName, "w");
+    record.file = Platform::OpenStream(record.fileName, "w", Platform::StreamKind::AnyFile);
     return record.file.get();
 }
 

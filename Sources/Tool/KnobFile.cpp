@@ -60,7 +60,7 @@ Status readKnobNames(std::vector<std::string> &names, std::string path)
         {
             std::string text;
             Platform::ReadTextFile(path, text);
-            std::string_view rest = text;
+            std::string_view rest = Platform::WithoutByteOrderMark(text);
             while (!rest.empty())
             {
                 const std::string_view line = rest.substr(0, rest.find('\n'));
