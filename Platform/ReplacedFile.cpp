@@ -75,12 +75,15 @@ bool ReplacedFile::Open()
     const bool exists = OpenStream(m_path, "r+b") != nullptr;
     if (!exists && errno != ENOENT)
         return false;
-    if (!OpenBeside())
+    bool isRefused = false;
+    if (!OpenBeside(isRefused) && isRefused)
         m_stream = OpenStream(m_path, "wb");
     return m_stream != nullptr;
 }
 
-bool ReplacedFile::OpenBeside()
+/// `isRefused` tells whether it is for want of rights or of a name; a full disk would not take the file in its place
+/// either.
+bool ReplacedFile::OpenBeside(bool &isRefused)
 {
     const std::string name = m_path + '.' + std::to_string(ProcessId());
     for (int number = 0; number < kMostNames; ++number)
@@ -94,6 +97,7 @@ bool ReplacedFile::OpenBeside()
             m_besidePath = std::move(path);
         break;
     }
+    isRefused = m_stream || errno == EACCES || errno == EPERM || errno == EROFS || errno == EEXIST;
     if (m_stream && CopyOwnership(m_path, m_stream.get()))
         return true;
     m_stream.reset();
@@ -110,19 +114,17 @@ bool ReplacedFile::Finish()
     return std::fclose(m_stream.release()) == 0 && whole;
 }
 
-bool ReplacedFile::PutInPlace()
-{
-    return RenameOver(m_besidePath, m_path) || CopyInPlace(m_besidePath, m_path);
-}
-
 bool ReplacedFile::Commit()
 {
     const bool whole = Finish();
-    if (m_besidePath.empty())
+    if (m_besidePath.empty() || !whole)
         return whole;
-    const bool replaced = whole && PutInPlace();
-    RemoveFile(std::exchange(m_besidePath, {}));
-    return replaced;
+    const bool renamed = RenameOver(m_besidePath, m_path);
+    if (!renamed && CopyInPlace(m_besidePath, m_path))
+        return true;
+    // It has its name now; or it is the only whole copy, and stays.
+    m_besidePath.clear();
+    return renamed;
 }
 
 } // namespace Platform

@@ -31,14 +31,13 @@ public:
     /// Where to write; null before Open and after Commit. Write failures need not be looked at: Commit tells of them.
     std::FILE *Stream() const { return m_stream.get(); }
 
-    /// Has everything written to the disk and takes the step itself. Returns false, with what was written removed, when
-    /// not everything could be written.
+    /// Has everything written to the disk and takes the step itself. Returns false when that fails. What was written is
+    /// then the destructor's to remove; but where writing in place has failed, it stays beside.
     bool Commit();
 
 private:
-    bool OpenBeside();
+    bool OpenBeside(bool &isRefused);
     bool Finish();
-    bool PutInPlace();
 
     std::string m_path;
     /// Empty while nothing stands beside.
