@@ -39,6 +39,9 @@ public:
     /// Gives up the document.
     virtual Status UnInitialize() = 0;
 
+    /// Whether the last CopyDataToBuffer left the buffer as it was because the document holds text that is not UTF-8.
+    virtual bool IsRefusedAsNotUtf8() const { return false; }
+
     // What the writers share in handling texts. These may throw std::bad_alloc.
 
     /// What stands between the texts of two neighbouring cells of a row. Nothing escapes it: a cell that holds it is

@@ -6,41 +6,21 @@ namespace
 {
 
 constexpr std::string_view kPlainRowsModule = "ACPI";
-constexpr int kOneLine = -1;
+constexpr std::string_view kPlainRowsGroup = "PCI Dump";
+constexpr std::string_view kSubModuleKey = "submodules";
+constexpr std::string_view kArrayEnd = "]";
+
+JSONText StringText(std::string_view text)
+{
+    JSONText json;
+    json.AppendString(text);
+    return json;
+}
 
 } // namespace
 
-nlohmann::json &JSONPart::Value()
-{
-    if (m_place)
-    {
-        m_value = *m_place;
-        m_place = nullptr;
-    }
-    return m_value;
-}
-
-void JSONPart::Clear()
-{
-    m_place = nullptr;
-    m_value.clear();
-}
-
-void JSONPart::MoveTo(nlohmann::json &place)
-{
-    nlohmann::json empty(Value().type());
-    place = std::exchange(m_value, std::move(empty));
-    m_place = &place;
-}
-
-void JSONPart::AppendTo(nlohmann::json &array)
-{
-    Value();
-    array.push_back(nullptr);
-    MoveTo(array.back());
-}
-
-ModuleJSONWriter::ModuleJSONWriter(const char *className) : TracedWriter(className)
+ModuleJSONWriter::ModuleJSONWriter(const char *className, std::string_view listKey)
+    : TracedWriter(className), m_listKey(listKey)
 {
     const LifeTrace traced = TraceConstruction();
 }
@@ -52,26 +32,29 @@ ModuleJSONWriter::~ModuleJSONWriter()
 
 Status ModuleJSONWriter::DoInitialize(FunctionTrace &trace, std::string moduleName, std::string description)
 {
+    JSONText name = StringText(moduleName);
+    JSONText text = StringText(description);
     StartModule();
     m_subModCount = m_tabCount = m_groupCount = 0;
     m_subModMode = false;
     m_plainRows = moduleName == kPlainRowsModule;
-    m_module["ModuleName"] = std::move(moduleName);
+    m_moduleName = std::move(name);
     if (!description.empty())
-        m_module["Description"] = description;
+        m_moduleDescription = std::move(text);
     m_description = std::move(description);
     return trace.Done(StatusCode::Success);
 }
 
 Status ModuleJSONWriter::DoAddSubMod(FunctionTrace &trace, std::string subModName)
 {
+    JSONText name = StringText(subModName);
     m_tabCount = m_groupCount = 0;
     m_subModMode = true;
     if (m_subModCount != 0)
         CompleteSubModule();
     StartSubModule();
-    m_subModule.Clear();
-    m_subModule.Value()["SubModuleName"] = std::move(subModName);
+    m_subModList.Clear();
+    m_subModName = std::move(name);
     ++m_subModCount;
     return trace.Done(StatusCode::Success);
 }
@@ -82,18 +65,19 @@ Status ModuleJSONWriter::DoAddTab(FunctionTrace &trace, std::string tabName, std
     if (m_tabCount != 0)
         CompleteTab();
     m_headers = SplitByChar(header, ',');
-    StartTab(std::move(tabName));
+    StartTab(tabName);
     ++m_tabCount;
     return trace.Done(StatusCode::Success);
 }
 
 Status ModuleJSONWriter::DoAddGroup(FunctionTrace &trace, std::string groupName)
 {
+    JSONText name = StringText(groupName);
     if (m_groupCount != 0)
         CompleteGroup();
-    m_group.Clear();
-    m_items.Clear();
-    m_group.Value()["GroupName"] = std::move(groupName);
+    m_items.ClearArray();
+    m_groupName = std::move(name);
+    m_isPlainGroup = groupName == kPlainRowsGroup;
     ++m_groupCount;
     // No exit line: those who read the traces of these two writers know a group by its entry line alone.
     return trace.LeaveUntraced(StatusCode::Success);
@@ -101,7 +85,7 @@ Status ModuleJSONWriter::DoAddGroup(FunctionTrace &trace, std::string groupName)
 
 Status ModuleJSONWriter::DoAddRow(FunctionTrace &trace, std::string rowContent)
 {
-    m_items.Value().push_back(MakeItem(WithoutLast(WithoutFirst(rowContent))));
+    m_items.AddElement([&](JSONText &items) { AppendItem(items, WithoutLast(WithoutFirst(rowContent))); });
     return trace.Done(StatusCode::Success);
 }
 
@@ -111,14 +95,10 @@ Status ModuleJSONWriter::DoCopyDataToBuffer(FunctionTrace &trace, std::string &b
         CompleteSubModule();
     else if (m_description.empty())
         CompleteTab();
-    try
-    {
-        buffer = m_module.dump(kOneLine, ' ', false, json::error_handler_t::strict);
-    }
-    catch (const json::exception &)
-    {
-        // Not UTF-8: the caller keeps what it has.
-    }
+    JSONText document = Document();
+    m_isRefused = !document.IsUtf8();
+    if (!m_isRefused)
+        buffer = document.Take();
     return trace.Done(StatusCode::Success);
 }
 
@@ -130,13 +110,30 @@ Status ModuleJSONWriter::DoUnInitialize(FunctionTrace &trace)
 
 void ModuleJSONWriter::CompleteGroup()
 {
-    json &groups = GroupParent()["groups"];
-    m_group.AppendTo(groups);
-    m_items.MoveTo(groups.back()["items"]);
+    JSONText null;
+    null.Append("null");
+    const JSONText::Member items = {"items", m_items.IsEmpty() ? null : m_items, m_items.IsEmpty() ? "" : kArrayEnd};
+    GroupList().AddElement([&](JSONText &groups) { groups.AppendObject({{"GroupName", m_groupName}, items}); });
 }
 
 void ModuleJSONWriter::CompleteSubModule()
 {
     CompleteTab();
-    m_subModule.AppendTo(m_module["submodules"]);
+    m_subModuleList.AddElement(
+        [this](JSONText &subModules) {
+            subModules.AppendObject({{"SubModuleName", m_subModName}, {m_listKey, m_subModList, kArrayEnd}});
+        });
+}
+
+JSONText ModuleJSONWriter::Document() const
+{
+    const JSONText::Member list = {m_listKey, m_moduleList, kArrayEnd};
+    const JSONText::Member subModules = {kSubModuleKey, m_subModuleList, kArrayEnd};
+    const bool listIsFirst = m_listKey < kSubModuleKey;
+    JSONText document;
+    document.AppendObject({{"Description", m_moduleDescription},
+                           {"ModuleName", m_moduleName},
+                           listIsFirst ? list : subModules,
+                           listIsFirst ? subModules : list});
+    return document;
 }

@@ -1,32 +1,7 @@
 #pragma once
 
+#include "JSONText.h"
 #include "TracedWriter.h"
-
-#include <nlohmann/json.hpp>
-
-/// A part of a JSON document while it is being filled. Completing a part moves it into the document. Whoever looks at
-/// it again afterwards gets a copy of what stands there; only unusual sequences of calls do.
-class JSONPart
-{
-public:
-    /// The part, for reading and filling.
-    nlohmann::json &Value();
-
-    /// Empties the part and keeps its type: null stays null.
-    void Clear();
-
-    /// Moves the part to `place`, which must stay where it is until Value or Clear is called.
-    void MoveTo(nlohmann::json &place);
-
-    /// Moves the part to the end of `array` (null counts as an empty one). Nothing else may be appended there until
-    /// Value or Clear is called.
-    void AppendTo(nlohmann::json &array);
-
-private:
-    nlohmann::json m_value;
-    /// Where the part went, if it has been completed; m_value is then empty.
-    const nlohmann::json *m_place = nullptr;
-};
 
 /// What the writers of JSON documents share: a part enters the document when it is completed, that is, when the next
 /// one of its kind or of a kind above it is started, and at the end. A document with a description holds only what was
@@ -39,10 +14,11 @@ class ModuleJSONWriter : public TracedWriter
 public:
     ~ModuleJSONWriter() override;
 
-protected:
-    using json = nlohmann::json;
+    bool IsRefusedAsNotUtf8() const final { return m_isRefused; }
 
-    explicit ModuleJSONWriter(const char *className);
+protected:
+    /// `listKey` is under which key a module or a sub-module holds its parts.
+    ModuleJSONWriter(const char *className, std::string_view listKey);
 
     // What each writer does in its own way.
 
@@ -51,24 +27,32 @@ protected:
     /// A sub-module starts; what was current has been completed where that is due.
     virtual void StartSubModule() = 0;
     /// A tab with the columns m_headers starts.
-    virtual void StartTab(std::string tabName) = 0;
+    virtual void StartTab(std::string_view tabName) = 0;
     /// Completes what is current below the sub-module.
     virtual void CompleteTab() = 0;
-    /// What holds the "groups".
-    virtual json &GroupParent() = 0;
-    /// Makes the item of a row, which has lost its outer quotation marks.
-    virtual json MakeItem(std::string_view row) = 0;
+    /// The list that completed groups go to.
+    virtual JSONText &GroupList() = 0;
+    /// Appends the item of a row, which has lost its outer quotation marks.
+    virtual void AppendItem(JSONText &items, std::string_view row) = 0;
     /// Lets go of the document.
     virtual void EndModule() = 0;
 
-    /// The current sub-module, or the module before the first.
-    json &SubModuleOrModule() { return m_subModMode ? m_subModule.Value() : m_module; }
+    /// The parts of the current sub-module, or of the module before the first.
+    JSONText &PartList() { return m_subModMode ? m_subModList : m_moduleList; }
     void CompleteGroup();
 
-    json m_module;
-    JSONPart m_subModule;
-    JSONPart m_group;
-    JSONPart m_items;
+    // The values of the document's members; those that end in "List" and m_items are arrays without their end.
+    JSONText m_moduleName;
+    JSONText m_moduleDescription;
+    JSONText m_moduleList;
+    JSONText m_subModuleList;
+    JSONText m_subModName;
+    JSONText m_subModList;
+    JSONText m_groupName;
+    JSONText m_items;
+
+    /// Whether the rows of the current group are not split in a log.
+    bool m_isPlainGroup = false;
     std::string m_description;
     std::uint32_t m_tabCount = 0;
     std::uint32_t m_groupCount = 0;
@@ -88,4 +72,8 @@ private:
     Status DoUnInitialize(FunctionTrace &trace) final;
 
     void CompleteSubModule();
+    JSONText Document() const;
+
+    std::string_view m_listKey;
+    bool m_isRefused = false;
 };

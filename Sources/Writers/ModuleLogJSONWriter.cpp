@@ -2,16 +2,10 @@
 
 #include <algorithm>
 #include <numeric>
+#include <tuple>
 #include <utility>
 
-namespace
-{
-
-constexpr const char *kPlainRowsGroup = "PCI Dump";
-
-} // namespace
-
-ModuleLogJSONWriter::ModuleLogJSONWriter() : ModuleJSONWriter("ModuleLogJSONWriter") {}
+ModuleLogJSONWriter::ModuleLogJSONWriter() : ModuleJSONWriter("ModuleLogJSONWriter", "groups") {}
 
 void ModuleLogJSONWriter::StartModule()
 {
@@ -20,48 +14,65 @@ void ModuleLogJSONWriter::StartModule()
 
 void ModuleLogJSONWriter::StartSubModule()
 {
-    m_items.Clear();
-    m_group.Clear();
+    m_items.ClearArray();
+    ForgetGroup();
 }
 
-void ModuleLogJSONWriter::StartTab(std::string /*tabName*/)
+void ModuleLogJSONWriter::StartTab(std::string_view /*tabName*/)
 {
-    m_group.Clear();
+    ForgetGroup();
+    m_keys.clear();
+    for (const std::string &header : m_headers)
+    {
+        m_keys.emplace_back().AppendString(header);
+        m_keys.back().Append(":");
+    }
     m_columnsByName.resize(m_headers.size());
     std::iota(m_columnsByName.begin(), m_columnsByName.end(), std::size_t{0});
-    // Stable, so that of two cells under one name the later one stays.
-    std::stable_sort(m_columnsByName.begin(), m_columnsByName.end(),
-                     [this](std::size_t left, std::size_t right) { return m_headers[left] < m_headers[right]; });
+    std::sort(m_columnsByName.begin(), m_columnsByName.end(),
+              [this](std::size_t left, std::size_t right)
+              { return std::tie(m_headers[left], left) < std::tie(m_headers[right], right); });
 }
 
-nlohmann::json ModuleLogJSONWriter::MakeItem(std::string_view row)
+void ModuleLogJSONWriter::AppendItem(JSONText &items, std::string_view row)
 {
-    if (m_plainRows || IsPlainGroup())
-        return std::string(row);
+    if (m_plainRows || m_isPlainGroup)
+        return items.AppendString(row);
+    // A row without a group makes one without a name.
+    if (m_groupName.IsEmpty())
+        m_groupName.Append("null");
     const std::vector<std::string_view> cells = SplitViews(row, kCellSeparator);
-    json::object_t item;
-    for (const std::size_t column : m_columnsByName)
+    std::string_view separator = "{";
+    for (auto column = m_columnsByName.begin(); column != m_columnsByName.end(); ++column)
     {
-        if (column < cells.size())
-            item.insert_or_assign(item.end(), m_headers[column], std::string(cells[column]));
+        // Of two cells under one name the later one stays.
+        const auto next = column + 1;
+        const bool isReplaced =
+            next != m_columnsByName.end() && *next < cells.size() && m_headers[*next] == m_headers[*column];
+        if (*column >= cells.size() || isReplaced)
+            continue;
+        items.Append(std::exchange(separator, ","));
+        items.Append(m_keys[*column]);
+        items.AppendString(cells[*column]);
     }
-    return item;
+    items.Append(separator == "{" ? "{}" : "}");
 }
 
 void ModuleLogJSONWriter::EndModule()
 {
-    m_items.Clear();
-    m_group.Clear();
-    m_subModule.Clear();
-    m_module.clear();
+    m_items.ClearArray();
+    ForgetGroup();
+    for (JSONText *text :
+         {&m_moduleName, &m_moduleDescription, &m_moduleList, &m_subModuleList, &m_subModName, &m_subModList})
+        text->Clear();
     m_headers.clear();
+    m_keys.clear();
     m_columnsByName.clear();
     m_subModCount = m_tabCount = m_groupCount = 0;
 }
 
-bool ModuleLogJSONWriter::IsPlainGroup()
+void ModuleLogJSONWriter::ForgetGroup()
 {
-    // A row without a group makes one without a name.
-    const json &name = m_group.Value()["GroupName"];
-    return name.is_string() && name.get_ref<const std::string &>() == kPlainRowsGroup;
+    m_groupName.Clear();
+    m_isPlainGroup = false;
 }

@@ -2,35 +2,45 @@
 
 #include <utility>
 
-ModuleUIJSONWriter::ModuleUIJSONWriter() : ModuleJSONWriter("ModuleUIJSONWriter") {}
+ModuleUIJSONWriter::ModuleUIJSONWriter() : ModuleJSONWriter("ModuleUIJSONWriter", "tabs") {}
 
-void ModuleUIJSONWriter::StartModule()
+void ModuleUIJSONWriter::StartTab(std::string_view tabName)
 {
-    // An earlier document stays, and so must every part that may still point into it.
-    for (JSONPart *part : {&m_subModule, &m_tab, &m_group, &m_items})
-        part->Value();
-}
-
-void ModuleUIJSONWriter::StartTab(std::string tabName)
-{
-    m_tab.Clear();
-    m_tab.Value()["TabName"] = std::move(tabName);
+    JSONText name;
+    name.AppendString(tabName);
+    JSONText titles;
     for (const std::string &title : m_headers)
-        m_tab.Value()["TabHeader"].push_back(title);
+        titles.AddElement([&title](JSONText &list) { list.AppendString(title); });
+    m_tabName = std::move(name);
+    m_tabHeader = std::move(titles);
+    m_tabList.Clear();
 }
 
 void ModuleUIJSONWriter::CompleteTab()
 {
     CompleteGroup();
-    m_tab.AppendTo(SubModuleOrModule()["tabs"]);
+    PartList().AddElement(
+        [this](JSONText &tabs) {
+            tabs.AppendObject({{"TabHeader", m_tabHeader, "]"}, {"TabName", m_tabName}, {"groups", m_tabList, "]"}});
+        });
 }
 
-nlohmann::json ModuleUIJSONWriter::MakeItem(std::string_view row)
+void ModuleUIJSONWriter::AppendItem(JSONText &items, std::string_view row)
 {
     if (m_plainRows)
-        return json::object({{m_headers.empty() ? "" : m_headers.front(), std::string(row)}});
-    json::array_t item;
-    item.reserve(m_headers.size());
-    ForEachPiece(row, kCellSeparator, [&item](std::string_view cell) { item.emplace_back(std::string(cell)); });
-    return item;
+    {
+        items.Append("{");
+        items.AppendString(m_headers.empty() ? "" : m_headers.front());
+        items.Append(":");
+        items.AppendString(row);
+        return items.Append("}");
+    }
+    std::string_view separator = "[";
+    ForEachPiece(row, kCellSeparator,
+                 [&](std::string_view cell)
+                 {
+                     items.Append(std::exchange(separator, ","));
+                     items.AppendString(cell);
+                 });
+    items.Append("]");
 }

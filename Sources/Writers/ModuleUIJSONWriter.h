@@ -13,13 +13,15 @@ public:
     ModuleUIJSONWriter();
 
 private:
-    void StartModule() override;
+    void StartModule() override {} // an earlier document stays
     void StartSubModule() override {}
-    void StartTab(std::string tabName) override;
+    void StartTab(std::string_view tabName) override;
     void CompleteTab() override;
-    json &GroupParent() override { return m_tab.Value(); }
-    json MakeItem(std::string_view row) override;
+    JSONText &GroupList() override { return m_tabList; }
+    void AppendItem(JSONText &items, std::string_view row) override;
     void EndModule() override {}
 
-    JSONPart m_tab;
+    JSONText m_tabHeader;
+    JSONText m_tabName;
+    JSONText m_tabList;
 };

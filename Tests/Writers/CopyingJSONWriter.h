@@ -78,9 +78,19 @@ public:
     {
         if (m_description.empty())
             m_subModMode ? CompleteSubModule() : CompleteTab();
-        buffer = m_module.dump();
+        try
+        {
+            buffer = m_module.dump();
+            m_isRefused = false;
+        }
+        catch (const json::type_error &)
+        {
+            m_isRefused = true;
+        }
         return StatusCode::Success;
     }
+
+    bool IsRefusedAsNotUtf8() const override { return m_isRefused; }
 
     Status UnInitialize() override
     {
@@ -141,5 +151,5 @@ private:
     std::string m_description;
     std::vector<std::string> m_headers;
     unsigned m_tabs = 0, m_groups = 0, m_subModules = 0;
-    bool m_plainRows = false, m_subModMode = false;
+    bool m_plainRows = false, m_subModMode = false, m_isRefused = false;
 };

@@ -20,12 +20,12 @@ Status CallAtRandom(ModuleDataWriter &writer, std::string &buffer, unsigned numb
     if (chance < 5)
         return writer.CopyDataToBuffer(buffer);
     if (chance < 12)
-        return writer.AddSubMod("S");
+        return writer.AddSubMod(pick({"S", "S", "S", "\xFF"}));
     if (chance < 19)
-        return writer.AddTab("T", pick({"a,b", "a,", ""}));
+        return writer.AddTab("T", pick({"a,b", "b,\"a\\,b", "a,", ""}));
     if (chance < 26)
         return writer.AddGroup(pick({"G", "PCI Dump", ""}));
-    return writer.AddRow(pick({"\"A\"", "\"A\", \"B\", \"C\"", "x"}));
+    return writer.AddRow(pick({"\"A\"", "\"A\", \"B\", \"C\"", "x", "\"\x01\x7F\", \"\\\"\n\xC3\xA9\""}));
 }
 
 /// Whatever the order of the calls, moving parts of the document must not be seen from outside.
@@ -44,6 +44,7 @@ TEST(ModuleJSONWriter, AgreesWithOneThatCopies)
         {
             const auto number = static_cast<unsigned>(random());
             EXPECT_EQ(CallAtRandom(*writer, document, number), CallAtRandom(copying, expected, number));
+            ASSERT_EQ(writer->IsRefusedAsNotUtf8(), copying.IsRefusedAsNotUtf8()) << "seed " << seed << ", run " << run;
             ASSERT_EQ(document, expected) << "seed " << seed << ", run " << run << ", call " << count;
         }
     }
