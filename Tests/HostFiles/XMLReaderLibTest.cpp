@@ -37,6 +37,10 @@ TEST(XMLReaderLib, ReadsNamesInLowerCaseAndDescriptions)
         {Options(R"({"2": {"Name": "Second", "Description": "s"}, "1": {"Name": "First", "Description": "f"}})"),
          {"first", "second"},
          {"f", "s"}},
+        {R"({"Tarnwell": 1, "Tarnwell": {"CapabilityList": {"BIOS Options": 2, "BIOS Options": {
+            "b": 3, "a": {"Name": "x", "Name": "A", "Description": "a"}, "b": {"Name": "B", "Description": "b"}}}}})",
+         {"a", "b"}, // the last of members with one name
+         {"a", "b"}},
         {Options("[]"), {}, {}},
     };
     for (const auto &row : cases)
