@@ -127,7 +127,7 @@ using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
 
 /// Opens a stdio stream as fopen does ("rb", "r+b", "wb", "ab"), without waiting; children do not inherit it. Null when
 /// it cannot be opened, also for a directory, for anything but a file that is to be read, and for a pipe that is to be
-/// written and that nobody reads.
+/// written and that nobody reads. Throws std::bad_alloc where there is no memory for it: the file may well be there.
 StreamOwner OpenStream(const std::string &path, const char *mode);
 
 /// Creates a file that is not there yet, for writing bytes; a link of that name is not followed. Null, with EEXIST in

@@ -97,6 +97,13 @@ bool IsFit(int descriptor, bool isForReading)
     return isFit;
 }
 
+/// Want of memory must not be taken for a file that is not there.
+void ThrowForMemory(bool succeeded)
+{
+    if (!succeeded && errno == ENOMEM)
+        throw std::bad_alloc();
+}
+
 /// A pthread mutex that its holder may take again; false when the system has no more.
 bool InitRecursive(pthread_mutex_t &mutex)
 {
@@ -246,10 +253,12 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
     const bool isForReading = *mode == 'r';
     // Without waiting for the other end of a pipe.
     Descriptor descriptor(open(NativePath(path).c_str(), OpenFlags(mode) | O_CLOEXEC | O_NONBLOCK, kForEverybody));
+    ThrowForMemory(descriptor.IsOpen());
     if (!descriptor.IsOpen() || !IsFit(descriptor.Get(), isForReading))
         return nullptr;
     fcntl(descriptor.Get(), F_SETFL, fcntl(descriptor.Get(), F_GETFL) & ~O_NONBLOCK);
     StreamOwner stream(fdopen(descriptor.Get(), mode));
+    ThrowForMemory(stream != nullptr);
     if (stream)
         descriptor.Release();
     return stream;

@@ -4,6 +4,7 @@
 
 #define WIN32_LEAN_AND_MEAN
 
+#include <cerrno>
 #include <climits>
 #include <fcntl.h>
 #include <io.h>
@@ -224,6 +225,8 @@ bool RemoveFile(const std::string &path)
 StreamOwner OpenStream(const std::string &path, const char *mode)
 {
     StreamOwner stream(std::fopen(path.c_str(), mode));
+    if (!stream && errno == ENOMEM)
+        throw std::bad_alloc(); // must not be taken for a file that is not there
     if (stream)
         SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream.get()))), HANDLE_FLAG_INHERIT, 0);
     return stream;

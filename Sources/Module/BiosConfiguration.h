@@ -57,12 +57,12 @@ private:
 
     // The steps of GetData.
     struct Request;
-    void MakeReport(const Request &request, const std::string &name, OutputKind kind);
-    bool WriteReport(const Request &request, ModuleDataWriter &writer);
-    bool StartReport(const Request &request, ModuleDataWriter &writer);
-    Status ReadKnobs(const Request &request);
-    Status AddGroups(const Request &request, ModuleDataWriter &writer);
-    Status AddGroup(const Request &request, ModuleDataWriter &writer, const std::string &name,
+    void MakeReport(Request &request, const std::string &name, OutputKind kind);
+    bool WriteReport(Request &request, ModuleDataWriter &writer);
+    bool StartReport(Request &request, ModuleDataWriter &writer);
+    Status ReadKnobs(Request &request);
+    Status AddGroups(Request &request, ModuleDataWriter &writer);
+    Status AddGroup(Request &request, ModuleDataWriter &writer, const std::string &name,
                     std::vector<std::string> &rows);
 
     Status ProgramTemplate(const std::string &templatePath);

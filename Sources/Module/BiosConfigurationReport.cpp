@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -96,21 +98,63 @@ private:
 
 } // namespace
 
-/// What one GetData call works with.
+/// What one GetData call works with, and what it finds out on its way.
 struct BiosConfigModule::Request
 {
     const FunctionTrace &trace;
     std::string &buffer;
+    /// The line of the dump where it is damaged, or 0.
+    std::int32_t damagedLine = 0;
+    bool rowsAreMissing = false;
+    bool isRefusedAsNotUtf8 = false;
+    /// Nobody could be told, for want of memory.
+    bool isUntold = false;
+
+    /// Records a failure; the status of the request then does not hide one that could not be recorded.
+    void Record(const char *traced, const char *reported, std::uint32_t level = TRACE_ERROR,
+                std::source_location where = std::source_location::current())
+    {
+        isUntold |= RecordFailure(trace, level, traced, reported, kGetDataTitle, where) == StatusCode::NoMemory;
+    }
 
     /// Whether a step succeeded; a failure is recorded.
     bool Passed(Status status, const char *traced, const char *reported, std::uint32_t level = TRACE_ERROR,
-                std::source_location where = std::source_location::current()) const
+                std::source_location where = std::source_location::current())
     {
         if (status != StatusCode::Success)
-            RecordFailure(trace, level, traced, reported, kGetDataTitle, where);
+            Record(traced, reported, level, where);
         return status == StatusCode::Success;
     }
+
+    /// Records what is wrong with a report that was made all the same.
+    void RecordFlaws()
+    {
+        if (rowsAreMissing)
+            Record("rows are missing\n", "The report is not complete: rows are missing");
+        if (isRefusedAsNotUtf8)
+            Record("the report holds text that is not UTF-8\n", "The report holds text that is not UTF-8");
+        if (damagedLine == 0)
+            return;
+        char message[128];
+        std::snprintf(message, sizeof message,
+                      "The dump of the options is damaged; options may be missing or in the wrong group (line %d)",
+                      static_cast<int>(damagedLine));
+        Record("the dump is damaged\n", message);
+    }
 };
+
+namespace
+{
+
+/// Want of memory must not look like a report with less in it.
+Status RequireMemory(Status status)
+{
+    if (status == StatusCode::NoMemory)
+        throw std::bad_alloc();
+    return status;
+}
+
+} // namespace
 
 Status BiosConfigModule::GetData(const char *name, const OutputKind *kind, std::string *buffer)
 {
@@ -122,57 +166,60 @@ Status BiosConfigModule::GetData(const char *name, const OutputKind *kind, std::
         return trace.LeaveUntraced(StatusCode::NotFound);
     }
 
-    const Request request = {trace, *buffer};
+    Request request = {trace, *buffer};
     const Status made = WithoutExceptions(
         [&]
         {
             MakeReport(request, all ? capabilityNames.front() : name, *kind);
             return StatusCode::Success;
         });
+    // First, because what is to be recorded needs memory, too.
+    const Status ended = UnInitialize();
     request.Passed(made, ExceptionText(made),
                    made == StatusCode::NoMemory ? "Could not Allocate Memory" : "Unexpected exception");
-
-    const Status ended = UnInitialize();
+    request.RecordFlaws();
     if (ended != StatusCode::Success)
     {
         TRACE(trace, TRACE_ERROR, "uninitialise failed with status %d\n", ended);
         ReportFailure("Failed to uninitilaise", kGetDataTitle);
     }
-    const Status status = made == StatusCode::Success ? ended : made;
+    const Status done = made == StatusCode::Success ? ended : made;
+    const Status status = request.isUntold ? StatusCode::NoMemory : done;
     RETURN_TRACED(trace, status, "returning status %d\n", status);
 }
 
-void BiosConfigModule::MakeReport(const Request &request, const std::string &name, OutputKind kind)
+void BiosConfigModule::MakeReport(Request &request, const std::string &name, OutputKind kind)
 {
     Platform::TextFileWriter reportFile;
     reportFile.Open(m_toolXmlPath + kReportFolder + name + ReportFileEnding(kind));
     const WriterSession session(kind);
     ModuleDataWriter *const writer = session.Get();
     if (!writer)
-        return RecordFailure(request.trace, TRACE_ERROR, "new failed for pWriter\n", "Could not Allocate Memory",
-                             kGetDataTitle);
+        return request.Record("new failed for pWriter\n", "Could not Allocate Memory");
     if (!StartReport(request, *writer) || !WriteReport(request, *writer))
         return;
-    writer->CopyDataToBuffer(request.buffer);
+    RequireMemory(writer->CopyDataToBuffer(request.buffer));
+    request.isRefusedAsNotUtf8 = writer->IsRefusedAsNotUtf8();
     if (reportFile.IsOpen() && !(reportFile.Write(request.buffer) && reportFile.Close()))
-        RecordFailure(request.trace, TRACE_ERROR, "failed to write the report file\n",
-                      "Failed to write the report file", kGetDataTitle);
+        request.Record("failed to write the report file\n", "Failed to write the report file");
 }
 
-bool BiosConfigModule::StartReport(const Request &request, ModuleDataWriter &writer)
+bool BiosConfigModule::StartReport(Request &request, ModuleDataWriter &writer)
 {
-    return request.Passed(writer.Initialize(GetModuleName(), ""), "pWriter->Initialize failed\n",
+    return request.Passed(RequireMemory(writer.Initialize(GetModuleName(), "")), "pWriter->Initialize failed\n",
                           "Failed to initialize") &&
-           request.Passed(writer.AddTab(kTabName, kTabHeader), "pWriter->AddTab failed\n", "Failed to Add tab");
+           request.Passed(RequireMemory(writer.AddTab(kTabName, kTabHeader)), "pWriter->AddTab failed\n",
+                          "Failed to Add tab");
 }
 
 /// Returns false when there is no report to hand out.
-bool BiosConfigModule::WriteReport(const Request &request, ModuleDataWriter &writer)
+bool BiosConfigModule::WriteReport(Request &request, ModuleDataWriter &writer)
 {
-    Status status = ReadKnobs(request);
+    Status status = RequireMemory(ReadKnobs(request));
     if (status == StatusCode::Success)
     {
-        if (!request.Passed(PrintDataToVector(), "failed to print data to vector\n", "failed to print data to vector"))
+        if (!request.Passed(RequireMemory(PrintDataToVector()), "failed to print data to vector\n",
+                            "failed to print data to vector"))
             return false;
         status = AddGroups(request, writer);
     }
@@ -180,24 +227,24 @@ bool BiosConfigModule::WriteReport(const Request &request, ModuleDataWriter &wri
     // two reasons gets the row as well, so that the reader of a report cut short finds a hint in it.
     if (status == StatusCode::Failed || status == StatusCode::ToolFailed)
     {
-        writer.AddGroup(kDefaultGroup);
-        writer.AddRow(kUnavailableRow);
+        RequireMemory(writer.AddGroup(kDefaultGroup));
+        RequireMemory(writer.AddRow(kUnavailableRow));
     }
     return true;
 }
 
-Status BiosConfigModule::ReadKnobs(const Request &request)
+Status BiosConfigModule::ReadKnobs(Request &request)
 {
     Status status = Initialize();
     if (!request.Passed(status, "failed to initilaise\n", "Failed to initialise"))
         return status;
-    status = readKnob(m_knobs, "");
+    status = readKnob(m_knobs, "", &request.damagedLine);
     request.Passed(status, "failed to get knob details\n", "Failed to readKnob", TRACE_FAILURE);
     return status;
 }
 
 /// The status of the last group.
-Status BiosConfigModule::AddGroups(const Request &request, ModuleDataWriter &writer)
+Status BiosConfigModule::AddGroups(Request &request, ModuleDataWriter &writer)
 {
     Status status = StatusCode::Success;
     for (auto &[name, rows] : m_groups)
@@ -206,10 +253,10 @@ Status BiosConfigModule::AddGroups(const Request &request, ModuleDataWriter &wri
 }
 
 /// The status of the last row that the writer was given.
-Status BiosConfigModule::AddGroup(const Request &request, ModuleDataWriter &writer, const std::string &name,
+Status BiosConfigModule::AddGroup(Request &request, ModuleDataWriter &writer, const std::string &name,
                                   std::vector<std::string> &rows)
 {
-    Status status = writer.AddGroup(name);
+    Status status = RequireMemory(writer.AddGroup(name));
     for (std::string &row : rows)
     {
         if (row.empty())
@@ -223,7 +270,8 @@ Status BiosConfigModule::AddGroup(const Request &request, ModuleDataWriter &writ
         if (status != StatusCode::Success)
         {
             request.trace.Error("Breaking while loop unexpectedly!!\n");
-            return status;
+            request.rowsAreMissing = true;
+            return RequireMemory(status);
         }
     }
     return status;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -80,23 +81,44 @@ void RemoveLineFeedsAndTabs(std::string &text)
     text.resize(static_cast<std::size_t>(out - text.data()));
 }
 
-/// The tool's dump without line feeds and tabs, which carry no meaning, also inside attribute values.
+/// The text of the tool's dump; empty when there is none.
 std::string ReadDump()
 {
     std::string text;
     Platform::ReadTextFile(toolDirectory + kDumpFile, text);
-    RemoveLineFeedsAndTabs(text);
-    CCXmlPadBuffer(text);
     return text;
 }
 
-/// Parses the dump; its text is gone again when the tree is walked.
-CCXmlDocumentOwner ParseDump()
+CCXmlDocumentOwner ParseText(std::string text, CCXmlRecovery &recovery)
 {
-    const std::string text = ReadDump();
+    CCXmlPadBuffer(text);
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
         return nullptr;
-    return CCXmlDocumentOwner(CCXmlParseXMLBuffer(text.data(), static_cast<std::int32_t>(text.size())));
+    CCXmlDocumentOwner document(CCXmlParseXMLBuffer(text.data(), static_cast<std::int32_t>(text.size()), &recovery));
+    if (recovery.lackedMemory)
+        throw std::bad_alloc();
+    return document;
+}
+
+/// The line where the dump is damaged. As a rule it is so with its line feeds, too, and then they are counted.
+std::int32_t DamagedLine(const CCXmlRecovery &withoutLineFeeds)
+{
+    CCXmlRecovery asItIs;
+    ParseText(ReadDump(), asItIs);
+    return asItIs.damaged ? asItIs.line : withoutLineFeeds.line;
+}
+
+/// Parses the dump without its line feeds and tabs, which carry no meaning, also inside attribute values. Its text is
+/// gone again when the tree is walked.
+CCXmlDocumentOwner ParseDump(std::int32_t &damagedLine)
+{
+    std::string text = ReadDump();
+    RemoveLineFeedsAndTabs(text);
+    CCXmlRecovery recovery;
+    CCXmlDocumentOwner document = ParseText(std::move(text), recovery);
+    if (document && recovery.damaged)
+        damagedLine = DamagedLine(recovery);
+    return document;
 }
 
 /// Reads the attributes; false when the node is not to be taken for a knob.
@@ -104,7 +126,7 @@ bool ReadAttributes(xmlNodePtr knobNode, KnobDetails &record)
 {
     for (const KnobAttribute &attribute : kKnobAttributeNames)
     {
-        const CCXmlValueOwner value(CCXmlGetAttributeValue(knobNode, attribute.name));
+        const CCXmlValueOwner value = CCXmlReadAttribute(knobNode, attribute.name);
         const bool isName = attribute.field == &KnobDetails::name;
         if (isName && (!value || std::strcmp(value.get(), kHiddenKnob) == 0))
             return false;
@@ -117,7 +139,7 @@ bool ReadAttributes(xmlNodePtr knobNode, KnobDetails &record)
 /// Takes an attribute that is there and not empty; otherwise `held` keeps what an earlier option gave.
 void HoldAttribute(xmlNodePtr option, const char *attributeName, std::string &held)
 {
-    const CCXmlValueOwner value(CCXmlGetAttributeValue(option, attributeName));
+    const CCXmlValueOwner value = CCXmlReadAttribute(option, attributeName);
     if (value && *value)
         held = value.get();
 }
@@ -211,11 +233,11 @@ Status CheckRoot(xmlDocPtr document, xmlNodePtr &root, FunctionTrace &trace)
 }
 
 Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::vector<std::string> &names,
-                       FunctionTrace &trace)
+                       std::int32_t &damagedLine, FunctionTrace &trace)
 {
     const CCXmlBracket bracket;
     const CCXmlQuiet quiet;
-    const CCXmlDocumentOwner document = ParseDump();
+    const CCXmlDocumentOwner document = ParseDump(damagedLine);
     if (!document)
         return trace.Fail(StatusCode::Failed, "readKnob - Doc Pointer is NULL\n");
     xmlNodePtr root = nullptr;
@@ -235,7 +257,7 @@ Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::
     return status;
 }
 
-Status ReadKnobs(KnobList &knobs, const std::string &listFile, FunctionTrace &trace)
+Status ReadKnobs(KnobList &knobs, const std::string &listFile, std::int32_t &damagedLine, FunctionTrace &trace)
 {
     Status status = Exec(ToolCommand("savexml", toolDirectory + kDumpFile));
     if (status != StatusCode::Success)
@@ -245,15 +267,19 @@ Status ReadKnobs(KnobList &knobs, const std::string &listFile, FunctionTrace &tr
         status = ReadListFile(listFile, names, trace);
     if (status != StatusCode::Success)
         return status;
-    return ReadDumpedKnobs(knobs, listFile, names, trace);
+    return ReadDumpedKnobs(knobs, listFile, names, damagedLine, trace);
 }
 
 } // namespace
 
-Status readKnob(KnobList &knobs, const std::string &listFile)
+Status readKnob(KnobList &knobs, const std::string &listFile, std::int32_t *damagedLine)
 {
     FunctionTrace trace(knobLibraryTrace, "readKnob", "readKnob\n");
-    return trace.Done(WithoutExceptions(trace, [&] { return ReadKnobs(knobs, listFile, trace); }));
+    std::int32_t line = 0;
+    const Status status = WithoutExceptions(trace, [&] { return ReadKnobs(knobs, listFile, line, trace); });
+    if (damagedLine)
+        *damagedLine = line;
+    return trace.Done(status);
 }
 
 Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record)

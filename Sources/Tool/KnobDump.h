@@ -3,6 +3,7 @@
 #include "KnobList.h"
 #include "StatusCode.h"
 
+#include <cstdint>
 #include <string>
 
 struct _xmlNode;
@@ -14,7 +15,10 @@ struct _xmlNode;
 /// order. Returns Success when the dump holds a knob; NotFound, Failed or ToolFailed from the tool; Failed for a list
 /// file with another extension or without names and for a dump that is missing, unusable or without knobs; NoMemory.
 /// `knobs` keeps its content on failure, except that a dump without knobs empties it when `listFile` is empty.
-Status readKnob(KnobList &knobs, const std::string &listFile);
+///
+/// A dump that is not well-formed gives what can be recovered of it; `damagedLine`, if given, is then the line of the
+/// dump's file in which libxml2 noticed, and 0 for every other dump.
+Status readKnob(KnobList &knobs, const std::string &listFile, std::int32_t *damagedLine = nullptr);
 
 /// Fills a fresh record from a node of the dump. Returns Success; Failed when the node is no usable knob; NoMemory.
 Status getknobDetails(_xmlNode *knobNode, KnobDetails &record);

@@ -3,7 +3,20 @@
 #include "ModuleLogHTMLWriter.h"
 #include "ModuleLogXMLWriter.h"
 
+#include <new>
 #include <utility>
+
+namespace
+{
+
+/// Of what the two say only this counts.
+void RequireMemory(Status status)
+{
+    if (status == StatusCode::NoMemory)
+        throw std::bad_alloc();
+}
+
+} // namespace
 
 ModuleLogHTMLXMLWriter::ModuleLogHTMLXMLWriter() : TracedWriter("ModuleLogHTMLXMLWriter")
 {
@@ -23,8 +36,8 @@ template <typename... Texts>
 Status ModuleLogHTMLXMLWriter::Forward(FunctionTrace &trace, Status (ModuleDataWriter::*operation)(Texts...),
                                        Texts &...texts)
 {
-    (*m_pHTMLWriter.*operation)(texts...);
-    (*m_pXMLWriter.*operation)(std::move(texts)...);
+    RequireMemory((*m_pHTMLWriter.*operation)(texts...));
+    RequireMemory((*m_pXMLWriter.*operation)(std::move(texts)...));
     return trace.Done(StatusCode::Success);
 }
 
@@ -78,7 +91,7 @@ Status ModuleLogHTMLXMLWriter::DoCopyDataToBuffer(FunctionTrace &trace, std::str
     std::string combined;
     for (const Section &section : sections)
     {
-        section.writer.CopyDataToBuffer(document);
+        RequireMemory(section.writer.CopyDataToBuffer(document));
         const std::string &text = document.empty() ? buffer : document;
         combined.append(section.begin).append(text).append(section.end);
     }

@@ -88,10 +88,10 @@ xmlNodePtr ModuleLogXMLWriter::AddItem(std::string row)
     // The only cell of a row keeps its closing quotation mark here, and loses the opening one.
     if (cells.size() == 1)
         cells.front() = WithoutFirst(cells.front());
-    const xmlNodePtr item = AddElement(m_pGroupNode, "Item");
+    NewElement item(AddElement(m_pGroupNode, "Item"));
     for (std::size_t column = 0; column < cells.size(); ++column)
-        CCXmlSetTextAttribute(item, m_headers[column].c_str(), std::string(cells[column]));
-    return item;
+        CCXmlSetTextAttribute(item.get(), m_headers[column].c_str(), std::string(cells[column]));
+    return item.release();
 }
 
 void ModuleLogXMLWriter::ForgetNodes()

@@ -1,6 +1,7 @@
 #include "ModuleXMLWriter.h"
 
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace
@@ -23,6 +24,8 @@ bool ModuleXMLWriter::StartDocument(const char *rootName, std::string moduleName
     if (!m_pDoc)
         return false;
     m_pRootNode = CCXmlAddNode(nullptr, rootName, nullptr);
+    if (!m_pRootNode)
+        throw std::bad_alloc();
     CCXmlSetRootElement(m_pDoc.get(), m_pRootNode);
     CCXmlSetTextAttribute(m_pRootNode, kNameAttribute, std::move(moduleName));
     return true;
@@ -37,9 +40,11 @@ Status ModuleXMLWriter::DoCopyDataToBuffer(FunctionTrace &trace, std::string &bu
     const Status status = CCXmlDocDumpMemory(m_pDoc.get(), &block, &size);
     const std::unique_ptr<char, FreeBlock> owned(block);
     if (status != StatusCode::Success)
+    {
         TRACE(trace, TRACE_ERROR, "CCXmlDocDumpMemory failed with %d\n", status);
-    if (block)
-        buffer.assign(block, static_cast<std::size_t>(size));
+        throw std::bad_alloc(); // the only cause that is left
+    }
+    buffer.assign(block, static_cast<std::size_t>(size));
     return trace.Done(StatusCode::Success);
 }
 
@@ -58,14 +63,17 @@ Status ModuleXMLWriter::DoUnInitialize(FunctionTrace &trace)
 
 xmlNodePtr ModuleXMLWriter::AddElement(xmlNodePtr parent, const char *element)
 {
-    return parent ? CCXmlAddNode(parent, element, nullptr) : nullptr;
+    const xmlNodePtr node = parent ? CCXmlAddNode(parent, element, nullptr) : nullptr;
+    if (parent && !node)
+        throw std::bad_alloc();
+    return node;
 }
 
 xmlNodePtr ModuleXMLWriter::AddNamedElement(xmlNodePtr parent, const char *element, std::string name)
 {
-    const xmlNodePtr node = AddElement(parent, element);
-    CCXmlSetTextAttribute(node, kNameAttribute, std::move(name));
-    return node;
+    NewElement node(AddElement(parent, element));
+    CCXmlSetTextAttribute(node.get(), kNameAttribute, std::move(name));
+    return node.release();
 }
 
 void ModuleXMLWriter::ForgetDocument()

@@ -10,10 +10,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <libxml/SAX2.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 #include <limits>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -37,6 +39,17 @@ struct ErrorHandler
 ErrorHandler foundHandler;
 std::uint32_t quietDepth = 0;
 
+/// Whether libxml2 has told of memory that it could not get, since this was last set to false.
+bool lackedMemory = false;
+
+/// One piece of work of libxml2's: did it have the memory? Some of its functions only tell, and go on with less.
+class MemoryWatch
+{
+public:
+    MemoryWatch() { lackedMemory = false; }
+    bool Lacked() const { return lackedMemory; }
+};
+
 struct FreeXmlMemory
 {
     void operator()(xmlChar *memory) const { xmlFree(memory); }
@@ -57,12 +70,13 @@ struct FreeNode
 /// xmlNewNode and xmlNodeSetContent; null when memory did not suffice for all of it.
 xmlNodePtr NewElement(const char *name, const char *content)
 {
+    const MemoryWatch memory;
     std::unique_ptr<xmlNode, FreeNode> node(xmlNewNode(nullptr, AsXml(name)));
     if (!node || !node->name)
         return nullptr;
     if (content)
         xmlNodeSetContent(node.get(), AsXml(content));
-    return content && *content && !node->children ? nullptr : node.release();
+    return memory.Lacked() || (content && *content && !node->children) ? nullptr : node.release();
 }
 
 /// Appends `node`, or frees it when that fails.
@@ -72,6 +86,101 @@ xmlNodePtr AppendChild(xmlNodePtr parent, xmlNodePtr node)
     if (!added)
         xmlFreeNode(node);
     return added;
+}
+
+struct FreeParser
+{
+    void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
+};
+using ParserOwner = std::unique_ptr<xmlParserCtxt, FreeParser>;
+
+struct FreeParsed
+{
+    void operator()(xmlDocPtr document) const { xmlFreeDoc(document); }
+};
+using ParsedOwner = std::unique_ptr<xmlDoc, FreeParsed>;
+
+/// What a parser tells while it reads a text in recovery mode.
+struct Recovery
+{
+    CCXmlRecovery reading;
+    bool declaresEntities = false;
+    bool gaveUpBehindRoot = false;
+};
+
+Recovery &RecoveryOf(xmlParserCtxtPtr parser)
+{
+    return *static_cast<Recovery *>(parser->_private);
+}
+
+/// The root element has ended, so nothing is lost: a long text is given up behind it (CCXmlPadBuffer).
+bool IsBehindRoot(const xmlParserCtxt &parser)
+{
+    return !parser.node && xmlDocGetRootElement(parser.myDoc);
+}
+
+void RecordError(xmlParserCtxtPtr parser, const xmlError &error)
+{
+    Recovery &recovery = RecoveryOf(parser);
+    if (error.code == XML_ERR_NO_MEMORY)
+        lackedMemory = true;
+    else if (error.code == XML_ERR_INTERNAL_ERROR && IsBehindRoot(*parser))
+        recovery.gaveUpBehindRoot = true;
+    else if (error.level == XML_ERR_FATAL && !recovery.reading.damaged)
+        recovery.reading = {true, error.line};
+}
+
+void RefuseEntities(void *parser)
+{
+    RecoveryOf(static_cast<xmlParserCtxtPtr>(parser)).declaresEntities = true;
+    xmlStopParser(static_cast<xmlParserCtxtPtr>(parser));
+}
+
+void DeclareEntity(void *parser, const xmlChar *name, int type, const xmlChar *publicId, const xmlChar *systemId,
+                   xmlChar *content)
+{
+    if (type == XML_INTERNAL_PARAMETER_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY)
+        xmlSAX2EntityDecl(parser, name, type, publicId, systemId, content);
+    else
+        RefuseEntities(parser);
+}
+
+void DeclareUnparsedEntity(void *parser, const xmlChar * /*name*/, const xmlChar * /*publicId*/,
+                           const xmlChar * /*systemId*/, const xmlChar * /*notation*/)
+{
+    RefuseEntities(parser);
+}
+
+/// What xmlReadMemory does in recovery mode, but for a text that declares general entities, which gives no document.
+/// Throws std::bad_alloc where libxml2 tells of memory that it could not get.
+ParsedOwner Recover(const char *buffer, std::int32_t size, CCXmlRecovery &reading)
+{
+    const MemoryWatch memory;
+    const ParserOwner parser(xmlNewParserCtxt());
+    if (!parser)
+        throw std::bad_alloc();
+    Recovery recovery;
+    parser->_private = &recovery;
+    // The type of the second argument changed with libxml2 2.12.
+    parser->sax->serror = [](void *context, auto *error)
+    { RecordError(static_cast<xmlParserCtxtPtr>(context), *error); };
+    parser->sax->entityDecl = DeclareEntity;
+    parser->sax->unparsedEntityDecl = DeclareUnparsedEntity;
+    ParsedOwner document(xmlCtxtReadMemory(parser.get(), buffer, size, nullptr, nullptr, XML_PARSE_RECOVER));
+    if (memory.Lacked())
+        throw std::bad_alloc();
+    reading = recovery.reading;
+    reading.damaged = reading.damaged || (parser->wellFormed == 0 && !recovery.gaveUpBehindRoot);
+    return recovery.declaresEntities ? nullptr : std::move(document);
+}
+
+/// Recover, which has to see damage twice to believe it: libxml2 takes some memory that it could not get for damage.
+xmlDocPtr RecoverSurely(const char *buffer, std::int32_t size, CCXmlRecovery &reading)
+{
+    ParsedOwner document = Recover(buffer, size, reading);
+    if (reading.damaged || !document)
+        document = Recover(buffer, size, reading);
+    return document.release();
 }
 
 /// A block of libxml2's as one of the C heap. Taken over as it is unless the host gave libxml2 an allocator of its own.
@@ -86,11 +195,6 @@ char *MoveToCHeap(xmlChar *block, std::size_t size)
     return copy;
 }
 
-struct FreeParser
-{
-    void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
-};
-
 bool LacksMemory(xmlParserCtxtPtr parser)
 {
     const auto *const error = xmlCtxtGetLastError(parser);
@@ -102,7 +206,7 @@ CCXmlReading ParseStrictly(std::string_view text, xmlDocPtr &document)
 {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         return CCXmlReading::NoMemory;
-    const std::unique_ptr<xmlParserCtxt, FreeParser> parser(xmlNewParserCtxt());
+    const ParserOwner parser(xmlNewParserCtxt());
     if (!parser)
         return CCXmlReading::NoMemory;
     document = xmlCtxtReadMemory(parser.get(), text.data(), static_cast<int>(text.size()), nullptr, nullptr, 0);
@@ -174,7 +278,8 @@ CCXmlQuiet::CCXmlQuiet()
         return;
     foundHandler = {xmlStructuredError, xmlStructuredErrorContext};
     // The type of the second argument changed with libxml2 2.12.
-    xmlSetStructuredErrorFunc(nullptr, [](void * /*context*/, auto * /*error*/) {});
+    xmlSetStructuredErrorFunc(nullptr, [](void * /*context*/, auto *error)
+                              { lackedMemory = lackedMemory || (error && error->code == XML_ERR_NO_MEMORY); });
 }
 
 CCXmlQuiet::~CCXmlQuiet()
@@ -231,12 +336,22 @@ xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading, CCXmlOm
     return document;
 }
 
-xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size)
+xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size, CCXmlRecovery *reading)
 {
     const FunctionTrace trace(xmlTrace, "CCXmlParseXMLBuffer");
     TRACE(trace, TRACE_ENTRY, "buffer address = 0x%p  size=%d", static_cast<const void *>(buffer), size);
-    const CCXmlQuiet quiet;
-    const xmlDocPtr document = xmlReadMemory(buffer, size, nullptr, nullptr, XML_PARSE_RECOVER);
+    xmlDocPtr document = nullptr;
+    CCXmlRecovery outcome;
+    const Status status = WithoutExceptions(
+        [&]
+        {
+            const CCXmlQuiet quiet;
+            document = RecoverSurely(buffer, size, outcome);
+            return StatusCode::Success;
+        });
+    outcome.lackedMemory = status == StatusCode::NoMemory;
+    if (reading)
+        *reading = outcome;
     if (!document)
         TRACE(trace, TRACE_ERROR, "Failed to read the XML file %p", static_cast<void *>(document));
     TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(document));
@@ -356,10 +471,14 @@ Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
         return StatusCode::Missing;
     }
     const CCXmlQuiet quiet;
+    const MemoryWatch watch;
     xmlChar *block = nullptr;
     int length = 0;
     xmlDocDumpMemory(document, &block, &length);
-    char *const copy = block ? MoveToCHeap(block, static_cast<std::size_t>(length)) : nullptr;
+    std::unique_ptr<xmlChar, FreeXmlMemory> whole(watch.Lacked() ? nullptr : block);
+    if (block && !whole)
+        xmlFree(block); // a part
+    char *const copy = whole ? MoveToCHeap(whole.release(), static_cast<std::size_t>(length)) : nullptr;
     if (!copy)
         return StatusCode::Missing;
     *memory = copy;
@@ -422,6 +541,15 @@ char *CCXmlGetAttributeValue(xmlNodePtr node, const char *attributeName)
     return value;
 }
 
+CCXmlValueOwner CCXmlReadAttribute(xmlNodePtr node, const char *attributeName)
+{
+    const MemoryWatch memory;
+    CCXmlValueOwner value(CCXmlGetAttributeValue(node, attributeName));
+    if (memory.Lacked() || (!value && node && attributeName && xmlHasProp(node, AsXml(attributeName))))
+        throw std::bad_alloc();
+    return value;
+}
+
 void CCXmlFreeValue::operator()(char *value) const
 {
     xmlFree(value);
@@ -444,13 +572,17 @@ xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string tex
 {
     if (!parent)
         return nullptr;
-    return CCXmlAddNode(parent, name, EscapeReferences(MakeXmlText(std::move(text))).c_str());
+    const xmlNodePtr node = CCXmlAddNode(parent, name, EscapeReferences(MakeXmlText(std::move(text))).c_str());
+    if (!node && name)
+        throw std::bad_alloc();
+    return node;
 }
 
 void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text)
 {
     const std::string value = MakeXmlText(std::move(text));
+    const MemoryWatch memory;
     CCXmlSetAttributeValue(node, attributeName, value.c_str());
-    if (node && attributeName && !HasAttribute(node, attributeName, value.empty()))
+    if (memory.Lacked() || (node && attributeName && !HasAttribute(node, attributeName, value.empty())))
         throw std::bad_alloc();
 }

@@ -65,9 +65,20 @@ struct CCXmlOmitted
 /// CCXmlSave writes, the root's children are checked and left out of the tree, which takes a small part of the time.
 xmlDocPtr CCXmlParseXMLfile(const char *fileName, CCXmlReading *reading = nullptr, CCXmlOmitted *omitted = nullptr);
 
-/// Parses `size` bytes in recovery mode (xmlReadMemory): damaged text gives the tree that could be built. The caller
-/// owns the document; null when nothing could be built.
-xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size);
+/// How well a text could be parsed in recovery mode.
+struct CCXmlRecovery
+{
+    /// The text is not well-formed.
+    bool damaged = false;
+    /// The line in which libxml2 noticed that first.
+    std::int32_t line = 0;
+    bool lackedMemory = false;
+};
+
+/// Parses `size` bytes in recovery mode (as xmlRecoverMemory does): damaged text gives the tree that could be built.
+/// The caller owns the document; null when nothing could be built, memory ran out, or the text declares general
+/// entities: a few kilobytes of those can stand for gigabytes.
+xmlDocPtr CCXmlParseXMLBuffer(const char *buffer, std::int32_t size, CCXmlRecovery *reading = nullptr);
 
 /// Puts blanks behind a text of more than 10 MB that is to be parsed. libxml2 gives up a long text when it comes near
 /// its end, and would lose the last element; blanks behind the root element are lost instead. May throw std::bad_alloc.
@@ -130,12 +141,16 @@ struct CCXmlFreeValue
 };
 using CCXmlValueOwner = std::unique_ptr<char, CCXmlFreeValue>;
 
+/// CCXmlGetAttributeValue for readers who must not take an attribute for absent because memory ran out: then it throws
+/// std::bad_alloc.
+CCXmlValueOwner CCXmlReadAttribute(xmlNodePtr node, const char *attributeName);
+
 /// Creates an attribute or replaces its value (xmlSetProp). Does nothing when an argument is null.
 void CCXmlSetAttributeValue(xmlNodePtr node, const char *attributeName, const char *value);
 
 /// CCXmlAddNode and CCXmlSetAttributeValue for texts from outside: the document holds `text` character for character,
 /// "&" included. Two surrogates encoded one by one become the character they stand for; what no XML document can hold
 /// (ill-formed bytes, control characters but tab and line ends) becomes U+FFFD. Without a parent no element is made.
-/// May throw std::bad_alloc.
+/// Throws std::bad_alloc when memory runs out.
 xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string text);
 void CCXmlSetTextAttribute(xmlNodePtr node, const char *attributeName, std::string text);

@@ -199,6 +199,36 @@ TEST_F(BiosConfigurationTest, GetDataTellsWhyAReportIsNotComplete)
     }
 }
 
+TEST_F(BiosConfigurationTest, GetDataTellsWhatIsWrongWithAReportThatItMade)
+{
+    const std::string damaged =
+        "The dump of the options is damaged; options may be missing or in the wrong group (line 2)";
+    const std::string refused = "The report holds text that is not UTF-8";
+    const std::string missing = "The report is not complete: rows are missing";
+    const struct
+    {
+        const char *knob;
+        OutputKind kind;
+        Lines reported;
+        const char *inReport;
+    } cases[] = {
+        {"<k name='A &'/>", OutputKind::UiXml, {damaged}, "A"},
+        {"<k name='A\xFF'/>", OutputKind::LogJson, {refused, damaged}, "untouched"},
+        {"<k name='A\xFF'/>", OutputKind::UiJson, {refused, damaged}, "untouched"},
+        {"<k name='#GROUPNAME'/><k name='A'/>", OutputKind::LogHtmlXml, {missing}, "HTML"},
+    };
+    for (const auto &row : cases)
+    {
+        Machine::Fresh().UseDump(std::string("<SYSTEM><biosknobs>\n") + row.knob + "</biosknobs></SYSTEM>");
+        ASSERT_EQ(InitModule(), StatusCode::Success);
+        EXPECT_NE(Report(row.kind).find(row.inReport), std::string::npos) << row.knob;
+        Lines expected;
+        for (const std::string &reported : row.reported)
+            expected.push_back(reported + " / BiosConfigModule - GetData");
+        EXPECT_EQ(m_machine.Errors(), expected) << row.knob;
+    }
+}
+
 TEST_F(BiosConfigurationTest, GetDataNeedsNoReportFileButTellsOfAFullDisk)
 {
     fs::remove(m_machine.HostFile("ModuleData"));
