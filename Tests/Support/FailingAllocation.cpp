@@ -4,15 +4,16 @@
 #include <new>
 
 thread_local long allocationsLeft = -1;
+thread_local bool failsOnce = false;
+long liveBlocks = 0;
 
 // Both ways to allocate are replaced: the sanitizers bring a second one that would not call the first.
 
 void *operator new(std::size_t size, const std::nothrow_t &) noexcept
 {
-    if (allocationsLeft == 0)
-        return nullptr;
-    allocationsLeft -= allocationsLeft > 0 ? 1 : 0;
-    return std::malloc(size);
+    void *const memory = TakeAllocation() ? std::malloc(size) : nullptr;
+    liveBlocks += memory ? 1 : 0;
+    return memory;
 }
 
 void *operator new(std::size_t size)
@@ -24,9 +25,10 @@ void *operator new(std::size_t size)
 
 void operator delete(void *memory) noexcept
 {
+    liveBlocks -= memory ? 1 : 0;
     std::free(memory);
 }
 void operator delete(void *memory, std::size_t) noexcept
 {
-    std::free(memory);
+    operator delete(memory);
 }

@@ -105,7 +105,7 @@ TEST(XmlInterface, ParsesWhatIsThereOfADamagedText)
 {
     const std::pair<std::string, const char *> cases[] = {
         {"<a b='1\r\n2\t3'>x\r\ny\rz</a>", "<a b=\"1 2 3\">x\ny\nz</a>"},
-        {"<!DOCTYPE a [<!ENTITY e '<b/>'>]><a>&e;</a", "<!DOCTYPE a [\n<!ENTITY e \"<b/>\">\n]>\n<a>&e;</a>"},
+        {"<!DOCTYPE a [<!ENTITY % e '<!--x-->'>%e;]><a/>", "<!DOCTYPE a [\n<!ENTITY % e \"<!--x-->\">\n%e;\n]>\n<a/>"},
         {"<a><b>x</c><d/>", "<a><b>x</b><d/></a>"},
         {"<a><b c='1' c='2'/><![CDATA[ <x> ]]>&", "<a><b c=\"1\" c=\"2\"/><![CDATA[ <x> ]]></a>"},
         {"<a/>behind", "<a/>"},
@@ -113,6 +113,8 @@ TEST(XmlInterface, ParsesWhatIsThereOfADamagedText)
     for (const auto &[text, serialised] : cases)
         EXPECT_EQ(Dump(Parse(text).get()), std::string("<?xml version=\"1.0\"?>\n") + serialised + '\n') << text;
     EXPECT_EQ(CCXmlGetRootElement(Parse("no markup").get()), nullptr);
+    for (const char *declared : {"e '<b/>'", "e SYSTEM 'file'", "e SYSTEM 'file' NDATA n"})
+        EXPECT_EQ(Parse(std::string("<!DOCTYPE a [<!ENTITY ") + declared + ">]><a>x</a>"), nullptr) << declared;
 }
 
 TEST(XmlInterface, AddNodeResolvesReferencesAndTextNodesKeepEveryCharacter)
