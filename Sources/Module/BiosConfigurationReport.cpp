@@ -107,14 +107,14 @@ struct BiosConfigModule::Request
     std::int32_t damagedLine = 0;
     bool rowsAreMissing = false;
     bool isRefusedAsNotUtf8 = false;
-    /// Nobody could be told, for want of memory.
-    bool isUntold = false;
+    /// There was no memory for a writer, for its document, or to tell of something.
+    bool lackedMemory = false;
 
     /// Records a failure; the status of the request then does not hide one that could not be recorded.
     void Record(const char *traced, const char *reported, std::uint32_t level = TRACE_ERROR,
                 std::source_location where = std::source_location::current())
     {
-        isUntold |= RecordFailure(trace, level, traced, reported, kGetDataTitle, where) == StatusCode::NoMemory;
+        lackedMemory |= RecordFailure(trace, level, traced, reported, kGetDataTitle, where) == StatusCode::NoMemory;
     }
 
     /// Whether a step succeeded; a failure is recorded.
@@ -184,7 +184,7 @@ Status BiosConfigModule::GetData(const char *name, const OutputKind *kind, std::
         ReportFailure("Failed to uninitilaise", kGetDataTitle);
     }
     const Status done = made == StatusCode::Success ? ended : made;
-    const Status status = request.isUntold ? StatusCode::NoMemory : done;
+    const Status status = request.lackedMemory ? StatusCode::NoMemory : done;
     RETURN_TRACED(trace, status, "returning status %d\n", status);
 }
 
@@ -195,7 +195,10 @@ void BiosConfigModule::MakeReport(Request &request, const std::string &name, Out
     const WriterSession session(kind);
     ModuleDataWriter *const writer = session.Get();
     if (!writer)
+    {
+        request.lackedMemory = static_cast<std::size_t>(kind) < kOutputKindCount; // or else it is a kind without one
         return request.Record("new failed for pWriter\n", "Could not Allocate Memory");
+    }
     if (!StartReport(request, *writer) || !WriteReport(request, *writer))
         return;
     RequireMemory(writer->CopyDataToBuffer(request.buffer));
@@ -206,10 +209,11 @@ void BiosConfigModule::MakeReport(Request &request, const std::string &name, Out
 
 bool BiosConfigModule::StartReport(Request &request, ModuleDataWriter &writer)
 {
-    return request.Passed(RequireMemory(writer.Initialize(GetModuleName(), "")), "pWriter->Initialize failed\n",
-                          "Failed to initialize") &&
-           request.Passed(RequireMemory(writer.AddTab(kTabName, kTabHeader)), "pWriter->AddTab failed\n",
-                          "Failed to Add tab");
+    // There is a name, so it is the document that could not be had.
+    request.lackedMemory = !request.Passed(RequireMemory(writer.Initialize(GetModuleName(), "")),
+                                           "pWriter->Initialize failed\n", "Failed to initialize");
+    return !request.lackedMemory && request.Passed(RequireMemory(writer.AddTab(kTabName, kTabHeader)),
+                                                   "pWriter->AddTab failed\n", "Failed to Add tab");
 }
 
 /// Returns false when there is no report to hand out.

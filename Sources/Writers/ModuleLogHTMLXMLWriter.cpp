@@ -9,10 +9,10 @@
 namespace
 {
 
-/// Of what the two say only this counts.
+/// Of what the two say only this counts. Failed is what one says that could not even start its document.
 void RequireMemory(Status status)
 {
-    if (status == StatusCode::NoMemory)
+    if (status == StatusCode::NoMemory || status == StatusCode::Failed)
         throw std::bad_alloc();
 }
 

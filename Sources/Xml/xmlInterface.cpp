@@ -79,6 +79,19 @@ xmlNodePtr NewElement(const char *name, const char *content)
     return memory.Lacked() || (content && *content && !node->children) ? nullptr : node.release();
 }
 
+/// An element with a text that holds no references. (xmlNodeSetContent keeps a block when memory does not suffice for
+/// one with references.) Throws std::bad_alloc.
+xmlNodePtr NewTextElement(const char *name, const char *text)
+{
+    std::unique_ptr<xmlNode, FreeNode> node(NewElement(name, nullptr));
+    std::unique_ptr<xmlNode, FreeNode> child(node && *text ? xmlNewText(AsXml(text)) : nullptr);
+    if (!node || (*text && (!child || !child->content)))
+        throw std::bad_alloc();
+    if (child)
+        xmlAddChild(node.get(), child.release());
+    return node.release();
+}
+
 /// Appends `node`, or frees it when that fails.
 xmlNodePtr AppendChild(xmlNodePtr parent, xmlNodePtr node)
 {
@@ -570,11 +583,15 @@ void CCXmlSetAttributeValue(xmlNodePtr node, const char *attributeName, const ch
 
 xmlNodePtr CCXmlAddTextNode(xmlNodePtr parent, const char *name, std::string text)
 {
-    if (!parent)
-        return nullptr;
-    const xmlNodePtr node = CCXmlAddNode(parent, name, EscapeReferences(MakeXmlText(std::move(text))).c_str());
-    if (!node && name)
-        throw std::bad_alloc();
+    if (!parent || !name)
+        return parent ? CCXmlAddNode(parent, name, text.c_str()) : nullptr;
+    const FunctionTrace trace(xmlTrace, "CCXmlAddNode");
+    const std::string content = MakeXmlText(std::move(text));
+    TRACE(trace, TRACE_ENTRY, "Current Node %p, Node Name %s, Node Value %s", static_cast<void *>(parent), name,
+          EscapeReferences(content).c_str());
+    const CCXmlQuiet quiet;
+    const xmlNodePtr node = AppendChild(parent, NewTextElement(name, content.c_str()));
+    TRACE(trace, TRACE_EXIT, "return status %p", static_cast<void *>(node));
     return node;
 }
 

@@ -110,6 +110,7 @@ struct Update : Request
 
 struct FailureEntry : Request
 {
+    FailureEntry() { InitErrorFile(machine.HostDirectory().c_str(), "Error.xml"); }
     Status Make() override { return ReportError("Message", "Title", "Source", "1", "Date"); }
     std::string Data() override { return {}; }
     void Forget() override {}
@@ -159,8 +160,8 @@ void Check(const Seen &seen, const Seen &whole, bool wantsEntry)
 template <typename Wanted, typename... Arguments>
 void Sweep(const char *what, Arguments &&...arguments)
 {
-    const char *const wholeOrNot = std::getenv("SWEEP_STEP");
-    const long step = wholeOrNot ? std::atol(wholeOrNot) : SWEEP_STEP;
+    const char *const wanted = std::getenv("SWEEP_STEP"); // 1: all of them
+    const long step = wanted ? std::atol(wanted) : SWEEP_STEP;
     Wanted request(std::forward<Arguments>(arguments)...);
     Machine &machine = request.machine;
     {

@@ -98,6 +98,19 @@ TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRu
     }
 }
 
+TEST_F(BiosconfigTest, ADamagedDumpGivesAReportInTheFileAndAnExitCodeOfItsOwn)
+{
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "halfdump");
+    const Outcome outcome = RunBiosconfig("report --tool-dir tools -o out/report.xml");
+    EXPECT_EQ(outcome.exitCode, 6U);
+    EXPECT_NE(outcome.messages.find("  The dump of the options is damaged; options may be missing or in the wrong "
+                                    "group (line "),
+              std::string::npos)
+        << outcome.messages;
+    EXPECT_EQ(ReadFile("out/report.xml"), BufferOf("tools/ModuleData/bios options_UI_XML"));
+    EXPECT_NE(ReadFile("out/report.xml").find("<Row>"), std::string::npos);
+}
+
 TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
 {
     constexpr int kRuns = 10;

@@ -100,7 +100,7 @@ void AddReportOptions(CLI::App &report, Arguments &parsed)
     report
         .add_option("-o,--output", parsed.outputPath,
                     "Where the report goes, \"-\" is standard output; an existing file is replaced in one step, and "
-                    "only when the exit code is 0")
+                    "only when the exit code is 0 or 6")
         ->type_name("FILE")
         ->capture_default_str();
 }

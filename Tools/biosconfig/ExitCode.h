@@ -11,7 +11,8 @@ enum class ExitCode : int
     WrongUsage = 2,
     NoModule = 3,
     NotReady = 4,
-    NotWritten = 5
+    NotWritten = 5,
+    DamagedDump = 6
 };
 
 struct ExitCodeMeaning
@@ -29,7 +30,9 @@ constexpr ExitCodeMeaning kExitCodeMeanings[] = {
      "wrong command line, an option that the module does not offer, or a template that cannot be read"},
     {ExitCode::NoModule, "the module cannot be loaded or is not such a module"},
     {ExitCode::NotReady, "the tool directory is missing, not writable, or not accepted by the module"},
-    {ExitCode::NotWritten, "the output cannot be written"}};
+    {ExitCode::NotWritten, "the output cannot be written"},
+    {ExitCode::DamagedDump,
+     "a report of what could be read, and written: the external tool's dump of the options is damaged"}};
 
 /// A failure that ends the program's work, with the text for the user and the exit code. Never leaves main.
 struct Failure : std::runtime_error

@@ -6,6 +6,7 @@
 #include "ModuleHost.h"
 #include "OutputFile.h"
 #include "Platform.h"
+#include "ReplacedFile.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -46,12 +47,12 @@ std::string ToolDirectory(const Arguments &arguments)
 /// good one.
 void RequireWritable(const std::string &errorFile)
 {
+    const std::string target = Platform::LinkTarget(errorFile);
     std::error_code error;
-    const bool existed = std::filesystem::exists(Platform::ToFilesystemPath(errorFile), error);
-    if (!Platform::OpenStream(errorFile, "ab"))
+    // Where there is none yet, another file is tried: other processes may be making this one.
+    const bool exists = std::filesystem::exists(Platform::ToFilesystemPath(target), error);
+    if (exists ? !Platform::OpenStream(target, "r+b") : !Platform::ReplacedFile(target + ".trial").Open())
         throw Failure(ExitCode::NotReady, "the module could not record errors: cannot write " + errorFile);
-    if (!existed)
-        Platform::RemoveFile(errorFile);
 }
 
 std::string CapabilityLines(const ModuleHost &module)
@@ -114,6 +115,12 @@ void ShowErrors(const std::string &errorFile, const std::vector<RecordedError> &
                      OneLine(error.time).c_str(), OneLine(error.sourceFile).c_str(), OneLine(error.line).c_str());
 }
 
+/// The module's entry for a report that it made from what could be read of a damaged dump.
+bool TellsOfDamagedDump(const RecordedError &error)
+{
+    return error.message.rfind("The dump of the options is damaged", 0) == 0;
+}
+
 /// Whether the module could make the report, from what is there of it and the errors recorded meanwhile.
 ExitCode JudgeReport(const Arguments &arguments, const std::string &report, const std::vector<RecordedError> &errors)
 {
@@ -122,7 +129,9 @@ ExitCode JudgeReport(const Arguments &arguments, const std::string &report, cons
         Tell("the module made no report of the kind " + arguments.formatName);
     else if (!errors.empty() && !Platform::ReadEnvironmentVariable("ProgramFiles", programFiles))
         Tell("the environment variable ProgramFiles, which locates the external tool, is not set");
-    return report.empty() || !errors.empty() ? ExitCode::NotDone : ExitCode::Success;
+    if (report.empty() || !std::all_of(errors.begin(), errors.end(), TellsOfDamagedDump))
+        return ExitCode::NotDone;
+    return errors.empty() ? ExitCode::Success : ExitCode::DamagedDump;
 }
 
 /// Has the module do the work and judges the outcome. A report that could be made in part only is stored, too.
@@ -155,7 +164,7 @@ ExitCode Run(const Arguments &arguments)
     OutputFile output(arguments.outputPath);
     std::string data;
     const ExitCode outcome = MakeData(arguments, data);
-    if (outcome == ExitCode::Success || output.IsStandardOutput())
+    if (outcome == ExitCode::Success || outcome == ExitCode::DamagedDump || output.IsStandardOutput())
         output.Write(data);
     return outcome;
 }
