@@ -131,7 +131,8 @@ using StreamOwner = std::unique_ptr<std::FILE, CloseStream>;
 StreamOwner OpenStream(const std::string &path, const char *mode);
 
 /// Creates a file that is not there yet, for writing bytes; a link of that name is not followed. Null, with EEXIST in
-/// errno where something of that name is there, when it cannot be created. Windows: _open. POSIX: open.
+/// errno where something of that name is there, when it cannot be created. Throws std::bad_alloc, and leaves none,
+/// where there is no memory for it. Windows: _open. POSIX: open.
 StreamOwner CreateStream(const std::string &path);
 
 /// Has everything that was written to `stream` stored on the disk; false when that fails. A stream that has no disk

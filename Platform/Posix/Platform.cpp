@@ -266,11 +266,17 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
 
 StreamOwner CreateStream(const std::string &path)
 {
-    Descriptor descriptor(
-        open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody));
+    const std::string native = NativePath(path);
+    Descriptor descriptor(open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody));
+    ThrowForMemory(descriptor.IsOpen());
     StreamOwner stream(descriptor.IsOpen() ? fdopen(descriptor.Get(), "wb") : nullptr);
     if (stream)
         descriptor.Release();
+    else if (descriptor.IsOpen())
+    {
+        unlink(native.c_str());
+        throw std::bad_alloc(); // all that fdopen lacks
+    }
     return stream;
 }
 

@@ -240,7 +240,11 @@ StreamOwner CreateStream(const std::string &path)
         return nullptr;
     StreamOwner stream(_fdopen(descriptor, "wb"));
     if (!stream)
+    {
         _close(descriptor);
+        _unlink(path.c_str());
+        throw std::bad_alloc(); // all that _fdopen lacks
+    }
     return stream;
 }
 

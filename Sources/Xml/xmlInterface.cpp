@@ -271,16 +271,23 @@ bool Write(std::FILE *stream, xmlDocPtr document, const CCXmlOmitted *omitted)
     xmlDocDumpMemory(document, &block, &size);
     const std::unique_ptr<xmlChar, FreeXmlMemory> owned(block);
     if (!block)
-        return false;
+        throw std::bad_alloc();
     const std::string_view text(reinterpret_cast<const char *>(block), static_cast<std::size_t>(size));
     return WritePieces(stream, {text.substr(0, omitted->position), omitted->text, text.substr(omitted->position)});
 }
 
+/// Throws std::bad_alloc where libxml2 had no memory for the whole document.
 bool Save(const std::string &fileName, xmlDocPtr document, const CCXmlOmitted *omitted)
 {
     const CCXmlQuiet quiet;
     Platform::ReplacedFile file(fileName);
-    return file.Open() && Write(file.Stream(), document, omitted) && file.Commit();
+    if (!file.Open())
+        return false;
+    const MemoryWatch memory;
+    const bool written = Write(file.Stream(), document, omitted);
+    if (memory.Lacked())
+        throw std::bad_alloc();
+    return written && file.Commit();
 }
 
 } // namespace
@@ -509,8 +516,8 @@ Status CCXmlSave(const char *fileName, xmlDocPtr document, const CCXmlOmitted *o
         trace.Error("File name passed is NULL");
     else
     {
-        const auto save = [&] { return Save(fileName, document, omitted) ? StatusCode::Success : StatusCode::Failed; };
-        status = WithoutExceptions(save) == StatusCode::Success ? StatusCode::Success : StatusCode::Failed;
+        status = WithoutExceptions(
+            [&] { return Save(fileName, document, omitted) ? StatusCode::Success : StatusCode::Failed; });
     }
     TRACE(trace, TRACE_EXIT, "return status %d", status);
     return status;

@@ -123,7 +123,8 @@ Status CCXmlDocDumpMemory(xmlDocPtr document, char **memory, std::int32_t *size)
 
 /// Saves the document to a file (as xmlSaveFile does), by way of Platform::ReplacedFile: an earlier one stays whole
 /// until the new one is. The children that CCXmlParseXMLfile has left out stand in front of those of the tree again;
-/// the root must have got one. Returns Success, Failed when an argument is null or the file cannot be written, NoMemory.
+/// the root must have got one. Returns Success, Failed when an argument is null or the file cannot be written,
+/// NoMemory.
 Status CCXmlSave(const char *fileName, xmlDocPtr document, const CCXmlOmitted *omitted = nullptr);
 
 /// Takes a node out of its document and frees it with everything below it (xmlUnlinkNode, xmlFreeNode), for a reader
