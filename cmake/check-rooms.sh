@@ -33,7 +33,7 @@ TABLE
 # LIBRARY, how its headers begin, and the files that may include them (one pattern).
 read -r -d '' libraries_table <<'TABLE' || true
 libxml2        libxml/     ^(Sources/Xml|Tools/(biosconfig|FenrikCmd)|Tests|Benchmarks)/
-nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/Module(Log|UI)?JSONWriter\.)|Tools/FenrikCmd/|Tests/|Benchmarks/)
+nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/JSONText\.cpp:)|Tools/FenrikCmd/|Tests/|Benchmarks/)
 CLI11          CLI/        ^Tools/(biosconfig|FenrikCmd)/
 GoogleTest     gtest/      ^Tests/
 benchmark      benchmark/  ^Benchmarks/

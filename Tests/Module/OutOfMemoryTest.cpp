@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <libxml/xmlerror.h>
-#include <memory>
+#include <tuple>
 
 namespace
 {
@@ -26,121 +26,67 @@ struct Seen
     bool operator==(const Seen &) const = default;
 };
 
-/// A request, and what is to be looked at when memory is back.
-struct Request
-{
-    virtual ~Request() = default;
-    virtual void Prepare() {}
-    virtual Status Make() = 0;
-    virtual std::string Data() = 0;
-    virtual void Forget() = 0;
-    /// Whether every failure of this request has an entry.
-    virtual bool HasEntries() const { return true; }
-};
-
-struct Initialisation : Request
-{
-    void Prepare() override { parameters = {{"toolxmlpath", machine.HostDirectory()}}; }
-    Status Make() override { return module.InitModule(caps, std::move(parameters)); }
-    std::string Data() override { return std::to_string(caps.size()) + (caps.empty() ? "" : caps[0]->names[0]); }
-    void Forget() override
-    {
-        for (const Cap *cap : caps)
-            delete cap;
-        caps = {};
-        parameters = {};
-    }
-    bool HasEntries() const override { return false; } // the place of the error file is among what it is given
-
-    Machine &machine = Machine::Fresh();
-    BiosConfigModule module;
-    ParameterMap parameters;
-    std::vector<Cap *> caps;
-};
-
-struct Report : Request
-{
-    explicit Report(OutputKind wanted,
-                    const std::string &dump = TestSupport::ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml"))
-        : kind(wanted)
-    {
-        machine.UseDump(dump);
-        EXPECT_EQ(TestSupport::InitModule(module, machine), StatusCode::Success);
-    }
-    Status Make() override { return module.GetData("all", &kind, &report); }
-    std::string Data() override { return report; }
-    void Forget() override { report = {}; }
-
-    Machine &machine = Machine::Fresh();
-    BiosConfigModule module;
-    OutputKind kind;
-    std::string report;
-};
-
-struct Update : Request
-{
-    Update() { TestSupport::WriteFile(machine.HostFile("t.txt"), "BootFast=Enabled;BootMode=Legacy"); }
-    void Prepare() override
-    {
-        std::filesystem::remove(firmware);
-        std::filesystem::remove_all(machine.ToolFile("out"));
-        parameters = {{"toolxmlpath", machine.HostDirectory()}};
-        path = machine.HostFile("t.txt");
-    }
-    Status Make() override { return UpdateBiosSettings(std::move(path), message, std::move(parameters)); }
-    std::string Data() override
-    {
-        const std::string options = std::filesystem::exists(firmware) ? TestSupport::ReadFile(firmware) : "";
-        return message + (options.find("\"Legacy\"") == std::string::npos ? "" : " (programmed)");
-    }
-    void Forget() override
-    {
-        for (std::string *text : {&path, &message})
-            *text = {};
-        parameters = {};
-    }
-    bool HasEntries() const override { return false; }
-
-    Machine &machine = Machine::Fresh();
-    std::string firmware = machine.ToolFile("FenrikBinary/FenrikFirmware.json");
-    ParameterMap parameters;
-    std::string path;
-    std::string message;
-};
-
-struct FailureEntry : Request
-{
-    FailureEntry() { InitErrorFile(machine.HostDirectory().c_str(), "Error.xml"); }
-    Status Make() override { return ReportError("Message", "Title", "Source", "1", "Date"); }
-    std::string Data() override { return {}; }
-    void Forget() override {}
-    bool HasEntries() const override { return false; } // it is the entry
-    Machine &machine = Machine::Fresh();
-};
-
 constexpr const char *kEarlierFile =
     "<?xml version=\"1.0\"?>\n<Tool Name=\"Tarnwell\"><Error><Message Name=\"Earlier\" "
     "Description=\"entry\"/></Error></Tool>\n";
 constexpr const char *kEarlier = "Earlier / entry";
 
-/// Runs the request with the allocation number `point` failing, alone or with all behind it.
-Seen Run(Request &request, Machine &machine, long point, bool once)
+/// What a request is given and what it leaves, which is looked at when memory is back.
+struct Request
 {
-    TestSupport::WriteFile(machine.HostFile("Error.xml"), kEarlierFile);
+    void Prepare()
+    {
+        std::filesystem::remove(firmware);
+        std::filesystem::remove_all(machine.ToolFile("out"));
+        TestSupport::WriteFile(machine.HostFile("Error.xml"), kEarlierFile);
+        parameters = {{"toolxmlpath", machine.HostDirectory()}};
+        path = machine.HostFile("t.txt");
+    }
+
+    /// The capabilities, the report or the message, and whether options are programmed.
+    std::string Data() const
+    {
+        const std::string options = std::filesystem::exists(firmware) ? TestSupport::ReadFile(firmware) : "";
+        return (caps.empty() ? "" : caps[0]->names[0]) + text +
+               (options.find("\"Legacy\"") == std::string::npos ? "" : " (programmed)");
+    }
+
+    void Forget()
+    {
+        for (const Cap *cap : caps)
+            delete cap;
+        caps = {};
+        parameters = {};
+        path = {};
+        text = {};
+    }
+
+    Machine &machine = Machine::Fresh();
+    std::string firmware = machine.ToolFile("FenrikBinary/FenrikFirmware.json");
+    BiosConfigModule module;
+    std::vector<Cap *> caps = {};
+    ParameterMap parameters = {};
+    std::string path = {}, text = {};
+};
+
+/// Runs the request with the allocation number `point` failing, alone or with all behind it.
+template <typename Make>
+Seen Run(Request &request, const Make &make, long point, bool once)
+{
     request.Prepare();
     Seen seen;
-    seen.status = WithoutMemory(
-        point, [&] { return request.Make(); }, once);
+    seen.status = WithoutMemory(point, make, once);
     seen.hash = std::hash<std::string>()(request.Data());
     request.Forget();
-    seen.entries = machine.Errors();
+    seen.entries = request.machine.Errors();
     return seen;
 }
 
 /// What a request that succeeds leaves behind, and all before it.
-long BlocksBehind(Request &request, Machine &machine)
+template <typename Make>
+long BlocksBehind(Request &request, const Make &make)
 {
-    Run(request, machine, -1, false);
+    Run(request, make, -1, false);
     xmlResetLastError();
     return liveBlocks;
 }
@@ -155,40 +101,45 @@ void Check(const Seen &seen, const Seen &whole, bool wantsEntry)
     EXPECT_TRUE(isWhole || seen.entries.size() > fewer) << seen.status;
 }
 
-/// Runs it with each `step`-th allocation failing in turn. Whatever the host gets is whole or it is told; nothing that
-/// was recorded earlier is lost; nothing is kept.
-template <typename Wanted, typename... Arguments>
-void Sweep(const char *what, Arguments &&...arguments)
+/// Runs it with each `step`-th allocation failing in turn. Whatever the host gets is whole or it is told, by an entry
+/// where `wantsEntry`; nothing that was recorded earlier is lost; nothing is kept.
+template <typename Make>
+void Sweep(const char *what, Request &request, bool wantsEntry, const Make &make)
 {
     const char *const wanted = std::getenv("SWEEP_STEP"); // 1: all of them
     const long step = wanted ? std::atol(wanted) : SWEEP_STEP;
-    Wanted request(std::forward<Arguments>(arguments)...);
-    Machine &machine = request.machine;
     {
         SCOPED_TRACE("fills what the libraries keep");
-        Run(request, machine, -1, false);
-        Run(request, machine, 0, false);
+        Run(request, make, -1, false);
+        Run(request, make, 0, false);
         ReportError("Message", "Title", "Source", "1", "Date");
     }
-    const Seen whole = Run(request, machine, -1, false);
+    const Seen whole = Run(request, make, -1, false);
     ASSERT_EQ(whole.status, StatusCode::Success);
     request.Prepare();
-    const long count = CountAllocations([&] { request.Make(); });
+    const long count = CountAllocations(make);
     request.Forget();
     std::printf("%s: every allocation number %ld of %ld fails\n", what, step, count);
     EXPECT_GT(count, 10);
-    const long kept = BlocksBehind(request, machine);
+    const long kept = BlocksBehind(request, make);
     for (const bool once : {true, false})
     {
         for (long point = 0; point < count; point += step)
         {
             SCOPED_TRACE(std::string(what) + (once ? ", once" : ", from then on") + ", point " + std::to_string(point));
-            Check(Run(request, machine, point, once), whole, once && request.HasEntries());
+            Check(Run(request, make, point, once), whole, once && wantsEntry);
         }
     }
     if (!testing::Test::HasFailure()) // a failure is kept, too
     {
-        EXPECT_EQ(BlocksBehind(request, machine), kept);
+        EXPECT_EQ(BlocksBehind(request, make), kept);
+    }
+    for (const char *component : {"XMLParser", "ModuleUIXMLWriter", "ErrorUIXMLWriter"})
+    {
+        DebugHandle_t *handle = nullptr;
+        InitDebugHandle(component, &handle);
+        EXPECT_EQ(handle->refCount, 1) << component;
+        UnInitDebugHandle(handle);
     }
 }
 
@@ -204,30 +155,46 @@ TEST(OutOfMemory, GivesNoModuleOrAWholeOne)
     DestroyBiosConfigModule(module);
 }
 
+// The place of the error file is among what an initialisation is given: it may be unknown yet.
 TEST(OutOfMemory, IsToldByAnInitialisation)
 {
-    Sweep<Initialisation>("InitModule");
+    Request request;
+    Sweep("InitModule", request, false,
+          [&] { return request.module.InitModule(request.caps, std::move(request.parameters)); });
 }
 
 TEST(OutOfMemory, IsToldByAReport)
 {
-    Sweep<Report>("UI XML", OutputKind::UiXml);
-    Sweep<Report>("XML log", OutputKind::LogXml);
-    Sweep<Report>("HTML log", OutputKind::LogHtml);
-    Sweep<Report>("combined log", OutputKind::LogHtmlXml);
-    Sweep<Report>("JSON log", OutputKind::LogJson);
-    Sweep<Report>("UI JSON", OutputKind::UiJson);
-    Sweep<Report>("damaged dump", OutputKind::UiXml, "<SYSTEM><biosknobs><k name='A &'/></biosknobs></SYSTEM>");
+    const std::string sound = TestSupport::ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml");
+    const std::string damaged = "<SYSTEM><biosknobs><k name='A &'/></biosknobs></SYSTEM>";
+    const std::tuple<const char *, OutputKind, const std::string &> cases[] = {
+        {"UI XML", OutputKind::UiXml, sound},         {"XML log", OutputKind::LogXml, sound},
+        {"HTML log", OutputKind::LogHtml, sound},     {"combined log", OutputKind::LogHtmlXml, sound},
+        {"JSON log", OutputKind::LogJson, sound},     {"UI JSON", OutputKind::UiJson, sound},
+        {"damaged dump", OutputKind::UiXml, damaged},
+    };
+    for (const auto &[what, kind, dump] : cases)
+    {
+        Request request;
+        request.machine.UseDump(dump);
+        EXPECT_EQ(TestSupport::InitModule(request.module, request.machine), StatusCode::Success);
+        Sweep(what, request, true, [&, &kind = kind] { return request.module.GetData("all", &kind, &request.text); });
+    }
 }
 
 TEST(OutOfMemory, IsToldByAnUpdate)
 {
-    Sweep<Update>("update");
+    Request request;
+    TestSupport::WriteFile(request.machine.HostFile("t.txt"), "BootFast=Enabled;BootMode=Legacy");
+    Sweep("update", request, false,
+          [&] { return UpdateBiosSettings(std::move(request.path), request.text, std::move(request.parameters)); });
 }
 
 TEST(OutOfMemory, LosesNoEarlierEntry)
 {
-    Sweep<FailureEntry>("failure report");
+    Request request;
+    InitErrorFile(request.machine.HostDirectory().c_str(), "Error.xml");
+    Sweep("failure report", request, false, [] { return ReportError("Message", "Title", "Source", "1", "Date"); });
 }
 
 } // namespace
