@@ -28,12 +28,13 @@ TestSupport       Tests/Support              : Headers Platform Diagnostics
 WriterTests       Tests/Writers              : Headers Platform Diagnostics Writers TestSupport
 Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Writers Module TestSupport
 Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module WriterTests
+Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikCmd HostFiles Tool Writers Module
 TABLE
 
 # LIBRARY, how its headers begin, and the files that may include them (one pattern).
 read -r -d '' libraries_table <<'TABLE' || true
-libxml2        libxml/     ^(Sources/Xml|Tools/(biosconfig|FenrikCmd)|Tests|Benchmarks)/
-nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/JSONText\.cpp:)|Tools/FenrikCmd/|Tests/|Benchmarks/)
+libxml2        libxml/     ^(Sources/Xml|Tools/(biosconfig|FenrikCmd)|Tests|Benchmarks|Fuzzing)/
+nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/JSONText\.cpp:)|Tools/FenrikCmd/|Tests/|Benchmarks/|Fuzzing/)
 CLI11          CLI/        ^Tools/(biosconfig|FenrikCmd)/
 GoogleTest     gtest/      ^Tests/
 benchmark      benchmark/  ^Benchmarks/
@@ -44,7 +45,7 @@ TABLE
 
 # Where a source may know on which system it is. Elsewhere every <name.h> and <folder/...> of no library is the
 # system's: the headers of C++ have neither.
-platform_files='^(Platform/|Tests/Support/(Posix|Win32)/|Docs/MinimalHost\.cpp:|Benchmarks/HeapMeter\.cpp:)'
+platform_files='^(Platform/|Tests/Support/(Posix|Win32)/|Docs/MinimalHost\.cpp:|Benchmarks/HeapMeter\.cpp:|Fuzzing/Fuzzing\.h:)'
 system_macros='_WIN(32|64)|WIN32|_MSC_VER|__MINGW|__(linux|unix|APPLE|GLIBC)__|__CYGWIN__|_POSIX_|__has_include'
 
 # The tests' share of the code that they test, in percent.
@@ -132,7 +133,7 @@ while IFS=: read -r file line text; do
     [[ $file: =~ $platform_files ]] || fail "$file:$line: the operating system has its place in Platform/ ($text)"
 done < <(grep -nE "^[[:space:]]*#[[:space:]]*(el)?if.*($system_macros)" "${files[@]}")
 
-# Links: a room is linked to what the table says, tests and benchmarks to nothing else. The tests' own function links,
+# Links: a room is linked to what the table says, tests, benchmarks and fuzz targets to nothing else. The tests' own function links,
 # too.
 while read -r file; do
     room_of "$file"
@@ -144,7 +145,7 @@ while read -r file; do
         may_use "$room" "$used" || fail "$file: $room must not be linked to $used"
     done < <(sed 's/#.*//' "$file" | tr '\n' ' ' | grep -oE '(target_link_libraries|add_component_test)\([^)]*' |
         grep -oE '[[:alnum:]_:]+')
-    [[ $file == @(Tests|Benchmarks)/* || $file != "${folder_of[$room]}/CMakeLists.txt" ]] && continue
+    [[ $file == @(Tests|Benchmarks|Fuzzing)/* || $file != "${folder_of[$room]}/CMakeLists.txt" ]] && continue
     for used in ${uses[$room]}; do
         [[ $linked == *" ${used%%/*} "* ]] || fail "$file: $room is not linked to ${used%%/*}, which it may use"
     done
