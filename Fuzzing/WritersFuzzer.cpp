@@ -5,7 +5,6 @@
 #include "xmlInterfaceText.h"
 
 #include <libxml/tree.h>
-#include <libxml/xmlstring.h>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -34,9 +33,17 @@ std::string Document(OutputKind kind, const std::string &group, const Texts &row
     return document;
 }
 
+/// As the JSON library judges; libxml2's xmlCheckUTF8 takes characters beyond the last one.
 bool IsUtf8(const std::string &text)
 {
-    return xmlCheckUTF8(reinterpret_cast<const xmlChar *>(text.c_str())) != 0 && text.find('\0') == std::string::npos;
+    try
+    {
+        return !nlohmann::json(text).dump().empty();
+    }
+    catch (const nlohmann::json::exception &)
+    {
+        return false;
+    }
 }
 
 /// The texts of all elements `name`, in the order of the document.
@@ -53,12 +60,6 @@ void Collect(xmlNodePtr node, std::string_view name, Texts &texts)
     }
 }
 
-/// Up to the first NUL, where a C string ends.
-std::string Shown(const std::string &row)
-{
-    return MakeXmlText(ModuleDataWriter::SanitizeText(row));
-}
-
 void CheckUiXml(const std::string &group, const Texts &rows)
 {
     const Fuzzing::Document document = Fuzzing::Parse(Document(OutputKind::UiXml, group, rows));
@@ -67,7 +68,8 @@ void CheckUiXml(const std::string &group, const Texts &rows)
     Collect(document->children, "Row", found);
     Fuzzing::Require(found.size() == rows.size(), "the document of the user interface has all rows");
     for (std::size_t row = 0; row < rows.size(); ++row)
-        Fuzzing::Require(found[row] == Shown(rows[row]), "rows come back from the document of the user interface");
+        Fuzzing::Require(found[row] == MakeXmlText(ModuleDataWriter::SanitizeText(rows[row])),
+                         "rows come back from the document of the user interface");
 }
 
 void CheckLogXml(const std::string &group, const Texts &rows)
@@ -118,7 +120,7 @@ void CheckJson(const std::string &group, const Texts &rows)
         Fuzzing::Require(uiGroup.at("items").at(row) == Cells(rows[row]), "rows come back from JSON");
 }
 
-/// The lines of the text; the first names the group.
+/// The lines of the text.
 Texts Lines(std::string_view text)
 {
     Texts lines = ModuleDataWriter::SplitString(text, "\n");
@@ -128,6 +130,7 @@ Texts Lines(std::string_view text)
 
 } // namespace
 
+/// The first line names the group, the others are rows.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
     Texts rows = Lines(Fuzzing::Text(bytes, size));
@@ -135,6 +138,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
         return 0;
     const std::string group = rows.front();
     rows.erase(rows.begin());
+    for (std::string &row : rows)
+        row = '"' + row + '"';
     CheckUiXml(group, rows);
     CheckLogXml(group, rows);
     CheckLogHtml(group, rows);

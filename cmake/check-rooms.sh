@@ -133,8 +133,8 @@ while IFS=: read -r file line text; do
     [[ $file: =~ $platform_files ]] || fail "$file:$line: the operating system has its place in Platform/ ($text)"
 done < <(grep -nE "^[[:space:]]*#[[:space:]]*(el)?if.*($system_macros)" "${files[@]}")
 
-# Links: a room is linked to what the table says, tests, benchmarks and fuzz targets to nothing else. The tests' own function links,
-# too.
+# Links: a room is linked to what the table says, tests, benchmarks and fuzz targets to nothing else. The tests' own
+# function links, too.
 while read -r file; do
     room_of "$file"
     [[ -n $room ]] || continue
