@@ -16,8 +16,8 @@ struct Names
     const char *text;
 };
 
-template <std::size_t count>
-std::string Codes(std::uint32_t bits, const Names (&names)[count])
+template <std::size_t Count>
+std::string Codes(std::uint32_t bits, const Names (&names)[Count])
 {
     std::string text;
     for (const Names &name : names)
