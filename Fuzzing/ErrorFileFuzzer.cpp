@@ -22,16 +22,6 @@ std::vector<std::string> Children(xmlDocPtr document)
     return children;
 }
 
-/// Whether libxml2 can read what it saves: in some encodings, such as UTF-7, it encodes the declaration as well.
-bool CanBeSaved(xmlDocPtr document)
-{
-    xmlChar *text = nullptr;
-    int size = 0;
-    xmlDocDumpMemory(document, &text, &size);
-    const std::unique_ptr<xmlChar, decltype(xmlFree)> owned(text, xmlFree);
-    return text && Fuzzing::Parse({reinterpret_cast<const char *>(text), static_cast<std::size_t>(size)}) != nullptr;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
@@ -42,8 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
     std::filesystem::remove(kept);
     Fuzzing::WriteFile(file, before);
     const Fuzzing::Document sound = Fuzzing::Parse(before);
-    if (sound && !CanBeSaved(sound.get()))
-        return 0;
     const Status status = WriteErrorEntry(file.c_str(), "message", "title", "file", "1", "date");
     Fuzzing::Require(status == StatusCode::Success, "the entry is written");
     const std::string text = Fuzzing::ReadFile(file);

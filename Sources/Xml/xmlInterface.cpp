@@ -261,19 +261,44 @@ bool WritePieces(std::FILE *stream, std::initializer_list<std::string_view> piec
                        { return std::fwrite(piece.data(), 1, piece.size(), stream) == piece.size(); });
 }
 
+/// A document's text, in `encoding` or by default in its own.
+class DumpedText
+{
+public:
+    explicit DumpedText(xmlDocPtr document, const char *encoding = nullptr)
+    {
+        xmlChar *block = nullptr;
+        xmlDocDumpMemoryEnc(document, &block, &m_size, encoding);
+        m_block.reset(block);
+        if (!block)
+            throw std::bad_alloc();
+    }
+    std::string_view Get() const
+    {
+        return {reinterpret_cast<const char *>(m_block.get()), static_cast<std::size_t>(m_size)};
+    }
+
+private:
+    std::unique_ptr<xmlChar, FreeXmlMemory> m_block;
+    int m_size = 0;
+};
+
+/// Some encodings, such as UTF-7, also hide the declaration that names them: nobody could read the file again.
+DumpedText DumpReadably(xmlDocPtr document)
+{
+    DumpedText text(document);
+    const bool declares = text.Get().starts_with('<') || text.Get().starts_with("\xFF\xFE");
+    return declares ? std::move(text) : DumpedText(document, "UTF-8");
+}
+
 /// What xmlSaveFile does, through a stream of the platform: xmlSaveFile takes "%41" in a path for "A".
 bool Write(std::FILE *stream, xmlDocPtr document, const CCXmlOmitted *omitted)
 {
-    if (!omitted || omitted->text.empty())
-        return xmlDocDump(stream, document) >= 0;
-    xmlChar *block = nullptr;
-    int size = 0;
-    xmlDocDumpMemory(document, &block, &size);
-    const std::unique_ptr<xmlChar, FreeXmlMemory> owned(block);
-    if (!block)
-        throw std::bad_alloc();
-    const std::string_view text(reinterpret_cast<const char *>(block), static_cast<std::size_t>(size));
-    return WritePieces(stream, {text.substr(0, omitted->position), omitted->text, text.substr(omitted->position)});
+    const DumpedText dumped = DumpReadably(document);
+    const std::string_view text = dumped.Get();
+    const CCXmlOmitted none;
+    const CCXmlOmitted &left = omitted ? *omitted : none;
+    return WritePieces(stream, {text.substr(0, left.position), left.text, text.substr(left.position)});
 }
 
 /// Throws std::bad_alloc where libxml2 had no memory for the whole document.
