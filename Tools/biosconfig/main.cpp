@@ -142,6 +142,8 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
     const ErrorFileWatch watch(toolDirectory + "Error.xml");
     for (const std::string &fault : CheckDebugConf())
         Tell(fault);
+    for (const std::string &useless : UselessDebugConfSettings())
+        Tell(useless);
     if (report)
         RequireWritable(watch.Path());
     try
