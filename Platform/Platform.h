@@ -209,6 +209,8 @@ using MutexHandle = void *;
 /// belongs to the process and the name is not used.
 MutexHandle MakeMutex(const char *name);
 
+// The next two are called around work of a few instructions.
+
 /// Waits without limit until the calling thread holds `mutex`. Returns false for null or when the wait fails.
 bool WaitMutex(MutexHandle mutex);
 
@@ -217,6 +219,13 @@ void ReleaseMutexHold(MutexHandle mutex);
 
 /// Gives `mutex` back to the system; nobody may hold it. Null is ignored.
 void CloseMutex(MutexHandle mutex);
+
+} // namespace Platform
+
+#include "MutexCalls.h" // the system's own, which may define the two above inline
+
+namespace Platform
+{
 
 /// Holds a mutex for the life of the object.
 class MutexLock

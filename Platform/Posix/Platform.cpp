@@ -269,17 +269,6 @@ MutexHandle MakeMutex(const char * /*name*/)
     return mutex && InitRecursive(*mutex) ? mutex.release() : nullptr;
 }
 
-bool WaitMutex(MutexHandle mutex)
-{
-    return mutex && pthread_mutex_lock(static_cast<pthread_mutex_t *>(mutex)) == 0;
-}
-
-void ReleaseMutexHold(MutexHandle mutex)
-{
-    if (mutex)
-        pthread_mutex_unlock(static_cast<pthread_mutex_t *>(mutex));
-}
-
 void CloseMutex(MutexHandle mutex)
 {
     const std::unique_ptr<pthread_mutex_t> owned(static_cast<pthread_mutex_t *>(mutex));
