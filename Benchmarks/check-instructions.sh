@@ -33,7 +33,7 @@ make_machine() {
 # count_instructions FORMAT COUNT: of a program that makes one report and ends.
 count_instructions() {
     local log="$work/$1-$2.log"
-    echo | ProgramFiles="$work/$2" valgrind --tool=callgrind --callgrind-out-file=/dev/null --log-file="$log" \
+    echo | ProgramFiles="$work/$2" valgrind --tool=callgrind --child-silent-after-fork=yes --callgrind-out-file=/dev/null --log-file="$log" \
         "$programs/ModuleRequests" "$programs/libBiosConfigModule.so" "$work/$2/" "$1" >/dev/null
     sed -n 's/.*Collected : //p' "$log" >"$work/$1-$2.count"
 }

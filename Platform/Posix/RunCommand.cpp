@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <optional>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <vector>
@@ -114,12 +113,12 @@ bool RunByHelper(char *const *arguments, ChildEnd &end)
     if (pipe2(ends, O_CLOEXEC) != 0)
         return false;
     const Descriptor reading(ends[0]);
-    std::optional<Descriptor> writing(ends[1]);
+    Descriptor writing(ends[1]);
     const HelperSignals signals;
     const pid_t helper = signals ? _Fork() : -1;
     if (helper == 0)
         BeHelper(arguments, signals.Attributes(), ends[1]);
-    writing.reset();
+    writing.Close();
     signals.Restore();
     if (helper == -1)
         return false;
