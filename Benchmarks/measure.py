@@ -77,6 +77,10 @@ class Machine:
         with open(self.dump, "wb") as dump:
             subprocess.run([programs / "MakeDump", str(options)], stdout=dump, check=True)
 
+    def forget_reports(self):
+        for report in (self.root / "ModuleData").iterdir():
+            report.unlink()
+
 
 class Measurement:
     def __init__(self, programs, module, long_form, parent):
@@ -93,6 +97,7 @@ class Measurement:
 
     def module_server(self, options, what, directory=None):
         machine = self.machine(options)
+        machine.forget_reports()
         return Server([self.programs / "ModuleRequests", self.module, f"{machine.root}/", what], machine, directory)
 
     def floor_server(self, options, what):
@@ -106,7 +111,6 @@ class Measurement:
         reports = list((self.machine(options).root / "ModuleData").iterdir())
         if len(reports) != 1 or reports[0].read_bytes() != self.floor_report(options).read_bytes():
             sys.exit(f"the module's report {what} of {options} options is not the hand-written one")
-        reports[0].unlink()
 
 
 class Table:
@@ -170,7 +174,6 @@ def many_options(measurement, table, what):
         floor.request()
         table.row(f"{what}: peak memory at 500,000 / hand-written", peak / floor.peaks[0], 1.05)
     measurement.expect_same_report(500000, what)
-    next((measurement.machine(50000).root / "ModuleData").iterdir()).unlink()
 
 
 def processor_seconds(command, answer):
@@ -191,6 +194,7 @@ def cold_request(measurement, table):
     style = pathlib.Path(__file__).resolve().parent / "rows.xsl"
     xslt_output = machine.root / "xsltproc"
     os.environ["ProgramFiles"] = str(machine.root)
+    machine.forget_reports()
     module_command = [measurement.programs / "ModuleRequests", measurement.module, f"{machine.root}/", "UiXml"]
     xslt_command = ["xsltproc", "--huge", "-o", xslt_output, style, machine.dump]
     module_times = []
@@ -201,7 +205,6 @@ def cold_request(measurement, table):
     report = next((machine.root / "ModuleData").iterdir())
     if rows_of(report.read_bytes()) != rows_of(xslt_output.read_bytes()):
         sys.exit("xsltproc gives other rows than the module")
-    report.unlink()
     table.row("UiXml: one cold request at 50,000 / xsltproc", statistics.median(module_times) /
               statistics.median(xslt_times), 0.43)
 
