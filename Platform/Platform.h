@@ -20,9 +20,9 @@ namespace Platform
 /// limit and stores the exit code. The child shows no window and inherits environment, current directory and
 /// standard handles. Returns false when the program could not be started; `exitCode` is then unchanged. A child
 /// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`. Windows: CreateProcessA,
-/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn and waitpid in a helper process, a copy of this one with
-/// no other work, so that the exit code arrives whatever the host does with SIGCHLD and with children that end: a host
-/// that ignores the signal, or waits for any child, would else lose it. The copying costs about as much as a fork.
+/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn and waitpid; where SIGCHLD has not its default effect or
+/// the process has several threads, in a helper process, a copy of this one with no other work: a host that ignores the
+/// signal, or waits for any child, would else lose the exit code. The copying costs about as much as a fork.
 bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode);
 
 /// The exit code given for a child that ended without one of its own.

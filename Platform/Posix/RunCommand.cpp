@@ -7,6 +7,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/single_threaded.h>
 #include <sys/wait.h>
 #include <vector>
 
@@ -45,8 +46,9 @@ pid_t WaitFor(pid_t child, int &state)
     struct sigaction byDefault = {};
     byDefault.sa_handler = SIG_DFL;
     sigaction(SIGCHLD, &byDefault, nullptr);
+    ChildEnd end = {0, kUnknownState};
     pid_t child = -1;
-    ChildEnd end = {posix_spawn(&child, arguments[0], nullptr, &attributes, arguments, environ), kUnknownState};
+    end.error = posix_spawn(&child, arguments[0], nullptr, &attributes, arguments, environ);
     close_range(0, static_cast<unsigned>(result) - 1, 0);
     close_range(static_cast<unsigned>(result) + 1, ~0U, 0);
     if (end.error == 0 && WaitFor(child, end.state) != child)
@@ -129,6 +131,24 @@ bool RunByHelper(char *const *arguments, ChildEnd &end)
     return true;
 }
 
+/// Whether the end of this process's children may go to others: to nobody where SIGCHLD is ignored, to a handler, to a
+/// thread that waits for any child.
+bool MayLoseChildren()
+{
+    struct sigaction action = {};
+    const bool isDefault = sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_DFL;
+    return !isDefault || (action.sa_flags & SA_NOCLDWAIT) != 0 || !__libc_single_threaded;
+}
+
+ChildEnd RunAsChild(char *const *arguments)
+{
+    pid_t child = -1;
+    ChildEnd end = {posix_spawn(&child, arguments[0], nullptr, nullptr, arguments, environ), kUnknownState};
+    if (end.error == 0 && WaitFor(child, end.state) != child)
+        end.state = kUnknownState;
+    return end;
+}
+
 } // namespace
 
 bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
@@ -146,7 +166,11 @@ bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
     argumentPointers.push_back(nullptr);
 
     ChildEnd end = {0, kUnknownState};
-    if (!RunByHelper(argumentPointers.data(), end) || end.error != 0)
+    if (!MayLoseChildren())
+        end = RunAsChild(argumentPointers.data());
+    else if (!RunByHelper(argumentPointers.data(), end))
+        return false;
+    if (end.error != 0)
         return false;
     exitCode = WIFEXITED(end.state) ? static_cast<std::uint32_t>(WEXITSTATUS(end.state)) : kUnknownExitCode;
     return true;
