@@ -160,7 +160,7 @@ bool FormatTexts(char *buffer, std::string_view format, std::va_list arguments)
     {
         if (!format.substr(percent).starts_with("%s"))
             return false;
-        const char *const text = va_arg(arguments, const char *);
+        const char *const text = va_arg(arguments, const char *); // NOLINT(clang-analyzer-valist.Uninitialized): a copy
         if (!text)
             return false;
         append(format.substr(0, percent));
@@ -179,6 +179,7 @@ int WriteMessage(char *buffer, const char *format, std::va_list arguments)
     va_copy(texts, arguments);
     const bool formatted = FormatTexts(buffer, format, texts);
     va_end(texts);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): DebugTrace has started them
     return formatted ? 0 : std::vsnprintf(buffer, kMessageLimit, format, arguments);
 }
 

@@ -32,8 +32,8 @@ Status ProgramKnobs(const std::string &knobFile, FunctionTrace &trace)
     return trace.Done(status);
 }
 
-/// Not flushed line by line: a flush would only show a line to those who read along, and nobody reads the file before it
-/// is whole and gets its name; a disk that is full is noticed at the latest then, and the earlier file stays.
+/// Not flushed line by line: a flush would only show a line to those who read along, and nobody reads the file before
+/// it is whole and gets its name; a disk that is full is noticed at the latest then, and the earlier file stays.
 bool WriteLines(std::FILE *stream, const AssignmentTable &assignments)
 {
     bool written = Platform::WriteText(stream, "[BiosKnobs]\n");

@@ -54,7 +54,7 @@ NodeOwner MakeNode(void *data)
     // Not the operator new that does not throw: it is a call around this one.
     try
     {
-        return NodeOwner(new ListNode_t{.data = data});
+        return std::make_unique<ListNode_t>(ListNode_t{.data = data});
     }
     catch (const std::bad_alloc &)
     {
