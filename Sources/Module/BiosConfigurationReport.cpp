@@ -6,6 +6,7 @@
 #include "TracedBarrier.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <new>
@@ -191,7 +192,10 @@ Status BiosConfigModule::GetData(const char *name, const OutputKind *kind, std::
 void BiosConfigModule::MakeReport(Request &request, const std::string &name, OutputKind kind)
 {
     Platform::TextFileWriter reportFile;
-    reportFile.Open(m_toolXmlPath + kReportFolder + name + ReportFileEnding(kind));
+    errno = 0;
+    // Without the folder there is none; a file that the system does not let the module write is missed.
+    if (!reportFile.Open(m_toolXmlPath + kReportFolder + name + ReportFileEnding(kind)) && errno != ENOENT)
+        request.Record("failed to open the report file\n", "Failed to write the report file");
     const WriterSession session(kind);
     ModuleDataWriter *const writer = session.Get();
     if (!writer)
