@@ -129,7 +129,7 @@ ProcessUsage Show(const char *when)
 
 bool Soak(const Host &host, std::size_t requests)
 {
-    const std::size_t rounds = std::max(requests / std::size(kRequests), std::size_t{20});
+    const std::size_t rounds = std::max(requests / std::size(kRequests), std::size_t{10});
     std::fprintf(stderr, "%zu requests in %zu rounds\n", rounds * std::size(kRequests), rounds);
     Show("start");
     ProcessUsage early = {};

@@ -12,5 +12,5 @@ struct ProcessUsage
     std::size_t openFiles;
 };
 
-/// POSIX: liveBlocks of FailingAllocation.h, /proc/self. Windows: _heapwalk, GetProcessMemoryInfo, GetProcessHandleCount.
+/// POSIX: liveBlocks of FailingAllocation.h, /proc/self. Windows: _heapwalk, GetProcessMemoryInfo, GetHandleInformation.
 ProcessUsage UsageOfProcess();
