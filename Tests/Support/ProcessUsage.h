@@ -12,5 +12,6 @@ struct ProcessUsage
     std::size_t openFiles;
 };
 
-/// POSIX: liveBlocks of FailingAllocation.h, /proc/self. Windows: _heapwalk, GetProcessMemoryInfo, GetHandleInformation.
+/// POSIX: liveBlocks of FailingAllocation.h, /proc/self. Windows: _heapwalk, GetProcessMemoryInfo,
+/// GetHandleInformation.
 ProcessUsage UsageOfProcess();
