@@ -39,7 +39,7 @@ struct Request
     {
         std::string data = (caps.empty() ? "" : caps[0]->names[0]) + text;
         for (const auto &file : std::filesystem::directory_iterator(machine.HostFile("ModuleData")))
-            data += ReadFile(file.path().string());
+            data += ReadFile(machine.HostFile("ModuleData/" + file.path().filename().string()));
         return data + (std::filesystem::exists(firmware) ? ReadFile(firmware) : "");
     }
 
