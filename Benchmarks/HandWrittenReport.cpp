@@ -8,6 +8,8 @@
 #include <cstring>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -59,24 +61,62 @@ xmlDocPtr ParseStripped(const std::string &path)
     return xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, XML_PARSE_RECOVER);
 }
 
-/// The text of the option whose value is `current`.
-std::string FindOption(xmlNodePtr knob, const xmlChar *current)
+/// What a dump says of a knob.
+struct Record
+{
+    std::array<std::string, kAttributes.size()> attributes;
+    std::vector<std::pair<std::string, std::string>> options;
+};
+
+/// Takes an attribute of `node` over; false when it has none of that name.
+bool TakeAttribute(xmlNodePtr node, const char *name, std::string &taken)
+{
+    xmlChar *const value = xmlGetProp(node, AsXml(name));
+    if (value)
+        taken = reinterpret_cast<const char *>(value);
+    xmlFree(value);
+    return value != nullptr;
+}
+
+void ReadOptions(xmlNodePtr knob, Record &record)
 {
     const xmlNodePtr list = knob->children;
-    if (!list)
-        return reinterpret_cast<const char *>(current);
-    const unsigned long wanted = std::strtoul(reinterpret_cast<const char *>(current), nullptr, 16);
-    std::string found;
-    for (xmlNodePtr option = list->children; option; option = option->next)
+    for (xmlNodePtr option = list ? list->children : nullptr; option; option = option->next)
     {
-        xmlChar *const text = xmlGetProp(option, AsXml("text"));
-        xmlChar *const value = xmlGetProp(option, AsXml("value"));
-        if (found.empty() && value && std::strtoul(reinterpret_cast<const char *>(value), nullptr, 16) == wanted)
-            found = reinterpret_cast<const char *>(text);
-        xmlFree(text);
-        xmlFree(value);
+        auto &[text, value] = record.options.emplace_back();
+        TakeAttribute(option, "text", text);
+        TakeAttribute(option, "value", value);
     }
-    return found;
+}
+
+std::vector<Record> ReadRecords(xmlNodePtr knobs)
+{
+    std::vector<Record> records;
+    for (xmlNodePtr knob = knobs->children; knob; knob = knob->next)
+    {
+        if (knob->type != XML_ELEMENT_NODE)
+            continue;
+        Record &record = records.emplace_back();
+        for (std::size_t index = 0; index < kAttributes.size(); ++index)
+            TakeAttribute(knob, kAttributes[index], record.attributes[index]);
+        ReadOptions(knob, record);
+    }
+    return records;
+}
+
+/// The text of the option whose value is the current one; the value itself where there are no options.
+const char *ValueText(const Record &record)
+{
+    const char *const current = record.attributes[Current].c_str();
+    if (record.options.empty())
+        return current;
+    const unsigned long wanted = std::strtoul(current, nullptr, 16);
+    for (const auto &[text, value] : record.options)
+    {
+        if (std::strtoul(value.c_str(), nullptr, 16) == wanted)
+            return text.c_str();
+    }
+    return "";
 }
 
 std::string GroupName(const char *page)
@@ -86,32 +126,17 @@ std::string GroupName(const char *page)
 }
 
 template <typename Format>
-void AddKnob(xmlNodePtr knob, Format &format)
-{
-    std::array<xmlChar *, kAttributes.size()> values = {};
-    for (std::size_t index = 0; index < kAttributes.size(); ++index)
-        values[index] = xmlGetProp(knob, AsXml(kAttributes[index]));
-    const auto text = [&values](std::size_t index) { return reinterpret_cast<const char *>(values[index]); };
-    if (values[Name] && std::strcmp(text(Name), "TpmDevice") != 0)
-    {
-        const std::string value = FindOption(knob, values[Current]);
-        format.Add({text(Name), value.c_str(), text(Prompt), text(Description), GroupName(text(Page))});
-    }
-    for (xmlChar *const value : values)
-        xmlFree(value);
-}
-
-template <typename Format>
 std::string MakeReport(const std::string &dumpPath)
 {
-    Format format;
     const xmlDocPtr dump = ParseStripped(dumpPath);
-    for (xmlNodePtr knob = xmlDocGetRootElement(dump)->children->children; knob; knob = knob->next)
-    {
-        if (knob->type == XML_ELEMENT_NODE)
-            AddKnob(knob, format);
-    }
+    const std::vector<Record> records = ReadRecords(xmlDocGetRootElement(dump)->children);
     xmlFreeDoc(dump);
+    Format format;
+    for (const Record &record : records)
+    {
+        const auto text = [&record](std::size_t index) { return record.attributes[index].c_str(); };
+        format.Add({text(Name), ValueText(record), text(Prompt), text(Description), GroupName(text(Page))});
+    }
     return format.Finish();
 }
 

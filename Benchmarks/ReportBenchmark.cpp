@@ -1,16 +1,11 @@
-// What a report costs, beside one hand-written function that makes the same library calls on the same data, and where
-// the time goes. The external tool is a program that does nothing; its dump lies ready.
+// Where the time of a report goes. The external tool is a program that does nothing; its dump lies ready.
 
-#include "BiosConfiguration.h"
 #include "CopyingJSONWriter.h"
 #include "GeneratedDump.h"
-#include "HandWrittenReport.h"
-#include "HeapMeter.h"
 #include "KnobDump.h"
 #include "Platform.h"
 #include "ReportFormat.h"
 #include "ToolProgram.h"
-#include "XMLReaderLib.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -70,19 +65,6 @@ void RunTool(const Machine &machine)
         Platform::RunCommand(machine.ToolCommand() + command, exitCode);
 }
 
-std::string ModuleReport(BiosConfigModule &module, OutputKind kind)
-{
-    std::string report;
-    module.GetData("bios", &kind, &report);
-    return report;
-}
-
-std::string HandWritten(const Machine &machine, OutputKind kind)
-{
-    RunTool(machine);
-    return HandWrittenReport(kind, machine.DumpPath(), machine.Directory() + "ModuleData/hand_written");
-}
-
 double Seconds(const auto &work)
 {
     const auto start = std::chrono::steady_clock::now();
@@ -94,49 +76,6 @@ double Median(std::vector<double> values)
 {
     std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
     return values[values.size() / 2];
-}
-
-std::int64_t PeakBytes(const auto &work)
-{
-    const HeapMeter meter;
-    work();
-    return meter.PeakBytes();
-}
-
-void InitModule(BiosConfigModule &module, const Machine &machine)
-{
-    std::vector<Cap *> caps;
-    module.InitModule(caps, {{"toolxmlpath", machine.Directory()}});
-    for (const Cap *cap : caps)
-        delete cap;
-}
-
-/// GetData and the hand-written function in turn, so that both see the same machine; the counters give the medians'
-/// ratio, the peak memory's, and the time per option.
-void ReportAgainstHandWritten(benchmark::State &state, OutputKind kind)
-{
-    const Machine machine(state.range(0));
-    BiosConfigModule module;
-    InitModule(module, machine);
-    if (ModuleReport(module, kind) != HandWritten(machine, kind))
-    {
-        state.SkipWithError("the two reports differ");
-        return;
-    }
-    std::vector<double> moduleTimes;
-    std::vector<double> handTimes;
-    for (auto _ : state)
-    {
-        moduleTimes.push_back(Seconds([&] { ModuleReport(module, kind); }));
-        handTimes.push_back(Seconds([&] { HandWritten(machine, kind); }));
-        state.SetIterationTime(moduleTimes.back());
-    }
-    const auto modulePeak = PeakBytes([&] { ModuleReport(module, kind); });
-    const auto handPeak = PeakBytes([&] { HandWritten(machine, kind); });
-    state.counters["time_ratio"] = Median(moduleTimes) / Median(handTimes);
-    state.counters["peak_ratio"] = static_cast<double>(modulePeak) / static_cast<double>(handPeak);
-    state.counters["ns_per_option"] = Median(moduleTimes) * 1e9 / static_cast<double>(state.range(0));
-    state.counters["bytes_per_option"] = static_cast<double>(modulePeak) / static_cast<double>(state.range(0));
 }
 
 /// The bare library call that the reading of a dump cannot do without.
@@ -252,13 +191,6 @@ void Sizes(benchmark::internal::Benchmark *benchmark)
 }
 
 #define BENCHMARK_KIND(benchmark, kind) BENCHMARK_CAPTURE(benchmark, kind, OutputKind::kind)->Apply(Sizes)
-#define BENCHMARK_REPORT(kind) BENCHMARK_KIND(ReportAgainstHandWritten, kind)->UseManualTime()->MinTime(3.0)
-BENCHMARK_REPORT(UiXml);
-BENCHMARK_REPORT(LogXml);
-BENCHMARK_REPORT(LogHtml);
-BENCHMARK_REPORT(LogHtmlXml);
-BENCHMARK_REPORT(LogJson);
-BENCHMARK_REPORT(UiJson);
 BENCHMARK_KIND(WriterAgainstCopying, LogJson)->UseManualTime();
 BENCHMARK_KIND(WriterAgainstCopying, UiJson)->UseManualTime();
 BENCHMARK(ToolRuns)->Arg(1)->Unit(benchmark::kMillisecond);

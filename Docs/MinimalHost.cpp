@@ -14,7 +14,11 @@
 template <typename Function>
 Function *FindExport(const char *file, const char *name)
 {
-    const HMODULE library = LoadLibraryExA(file, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    // What the module needs lies beside it; a path that is not a full one would not tell where.
+    char full[MAX_PATH] = "";
+    GetFullPathNameA(file, sizeof full, full, nullptr);
+    const HMODULE library =
+        LoadLibraryExA(full, nullptr, LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     return library ? reinterpret_cast<Function *>(reinterpret_cast<void *>(GetProcAddress(library, name))) : nullptr;
 }
 #else

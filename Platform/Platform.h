@@ -19,9 +19,10 @@ namespace Platform
 /// Runs `commandLine` (ANSI code page on Windows; the program first, quoted where it holds blanks), waits without
 /// limit and stores the exit code. The child shows no window and inherits environment, current directory and
 /// standard handles. Returns false when the program could not be started; `exitCode` is then unchanged. A child
-/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`; on POSIX that is every child of
-/// a process that ignores SIGCHLD, since the system then keeps no exit codes. Windows: CreateProcessA,
-/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn, waitpid.
+/// ended by a signal, or one whose exit code cannot be read, gives `kUnknownExitCode`. Windows: CreateProcessA,
+/// WaitForSingleObject, GetExitCodeProcess. POSIX: posix_spawn and waitpid in a helper process, a copy of this one with
+/// no other work, so that the exit code arrives whatever the host does with SIGCHLD and with children that end: a host
+/// that ignores the signal, or waits for any child, would else lose it. The copying costs about as much as a fork.
 bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode);
 
 /// The exit code given for a child that ended without one of its own.
@@ -37,7 +38,8 @@ std::uint64_t ProcessId();
 std::string SharedLibraryFileName(const std::string &stem);
 
 /// A shared library loaded at run time; unloaded by the destructor.
-/// Windows: LoadLibraryExA, GetProcAddress; a library at a full path finds those that it needs in its own folder.
+/// Windows: LoadLibraryExA, GetProcAddress; those that the library needs come from its own folder, the program's and
+/// the system's, never from the current one.
 /// POSIX: dlopen (all symbols resolved at once), dlsym.
 class SharedLibrary
 {
@@ -203,9 +205,11 @@ private:
 using MutexHandle = void *;
 
 /// Creates a mutex that nobody holds; null on failure, also without memory. On Windows it is named (CreateMutexA),
-/// of the whole session, and a null or empty `name` gives one without a name; on POSIX it belongs to the process and
-/// the name is not used.
+/// of the whole session, and a null or empty `name`, or one that cannot be had, gives one without a name; on POSIX it
+/// belongs to the process and the name is not used.
 MutexHandle MakeMutex(const char *name);
+
+// The next two are called around work of a few instructions.
 
 /// Waits without limit until the calling thread holds `mutex`. Returns false for null or when the wait fails.
 bool WaitMutex(MutexHandle mutex);
@@ -215,6 +219,13 @@ void ReleaseMutexHold(MutexHandle mutex);
 
 /// Gives `mutex` back to the system; nobody may hold it. Null is ignored.
 void CloseMutex(MutexHandle mutex);
+
+} // namespace Platform
+
+#include "MutexCalls.h" // the system's own, which may define the two above inline
+
+namespace Platform
+{
 
 /// Holds a mutex for the life of the object.
 class MutexLock

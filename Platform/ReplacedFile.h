@@ -31,6 +31,9 @@ public:
     /// Where to write; null before Open and after Commit. Write failures need not be looked at: Commit tells of them.
     std::FILE *Stream() const { return m_stream.get(); }
 
+    /// The path of what is written beside; empty where nothing is.
+    const std::string &BesidePath() const { return m_besidePath; }
+
     /// Has everything written to the disk and takes the step itself. Returns false when that fails. What was written is
     /// then the destructor's to remove; but where writing in place has failed, it stays beside.
     bool Commit();

@@ -45,7 +45,7 @@ TABLE
 
 # Where a source may know on which system it is. Elsewhere every <name.h> and <folder/...> of no library is the
 # system's: the headers of C++ have neither.
-platform_files='^(Platform/|Tests/Support/(Posix|Win32)/|Docs/MinimalHost\.cpp:|Benchmarks/HeapMeter\.cpp:|Fuzzing/Fuzzing\.h:)'
+platform_files='^(Platform/|Tests/(Support|Platform)/(Posix|Win32)/|Docs/MinimalHost\.cpp:|Benchmarks/HeapMeter\.cpp:|Fuzzing/Fuzzing\.h:)'
 system_macros='_WIN(32|64)|WIN32|_MSC_VER|__MINGW|__(linux|unix|APPLE|GLIBC)__|__CYGWIN__|_POSIX_|__has_include'
 
 # The tests' share of the code that they test, in percent.

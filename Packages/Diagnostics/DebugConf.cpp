@@ -2,6 +2,7 @@
 
 #include "Container.h"
 #include "ExceptionBarrier.h"
+#include "FilesystemPath.h"
 #include "FindElement.h"
 
 #include <algorithm>
@@ -118,6 +119,14 @@ std::int32_t CompareNames(const void *first, const void *second)
 {
     return std::strncmp(static_cast<const DebugConf_t *>(first)->packageName,
                         static_cast<const DebugConf_t *>(second)->packageName, kDebugConfTextSize);
+}
+
+bool IsSameFile(const char *first, const char *second)
+{
+    std::error_code different;
+    return std::strcmp(first, second) == 0 ||
+           std::filesystem::equivalent(Platform::ToFilesystemPath(first), Platform::ToFilesystemPath(second),
+                                       different);
 }
 
 Status MakeRecordList(ContainerHandle_t *&records)
@@ -279,12 +288,12 @@ Status DebugConfiguration::ApplyRecord(DebugConf_t &record, DebugHandle_t &handl
     return StatusCode::Success;
 }
 
-/// Records that name the same file share one stream: two would write over each other's lines.
+/// Records that name the same file, in whichever way, share one stream: two would write over each other's lines.
 std::FILE *DebugConfiguration::LogFile(DebugConf_t &record)
 {
     const DebugConf_t *const open =
         FindElement<DebugConf_t>(m_records, [&record](const DebugConf_t &other)
-                                 { return other.file && std::strcmp(other.fileName, record.fileName) == 0; });
+                                 { return other.file && IsSameFile(other.fileName, record.fileName); });
     if (open)
         return open->file.get();
     record.file = Platform::OpenStream(record.fileName, "w");

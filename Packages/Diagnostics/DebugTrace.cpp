@@ -54,7 +54,7 @@ public:
     /// when the header is complete.
     char *MessageBuffer() { return m_text + m_headerLength + 1; }
 
-    /// Ends the line behind the message that vsnprintf wrote; `length` is what it returned.
+    /// Ends the line behind the message that WriteMessage wrote; `length` is what it returned.
     void EndMessage(int length)
     {
         m_text[m_headerLength] = ' ';
@@ -149,6 +149,39 @@ private:
     char m_text[kHeaderSize + kMessageBufferSize];
 };
 
+/// What vsnprintf makes of a format whose only conversions are "%s", which most formats are, and of texts that are
+/// there: at a fraction of its time. False for everything else.
+bool FormatTexts(char *buffer, std::string_view format, std::va_list arguments)
+{
+    std::size_t length = 0;
+    const auto append = [&](std::string_view piece)
+    { length += piece.copy(buffer + length, kMessageLimit - 1 - length); };
+    for (std::size_t percent = format.find('%'); percent != std::string_view::npos; percent = format.find('%'))
+    {
+        if (!format.substr(percent).starts_with("%s"))
+            return false;
+        const char *const text = va_arg(arguments, const char *);
+        if (!text)
+            return false;
+        append(format.substr(0, percent));
+        append({text, strnlen(text, kMessageLimit)});
+        format.remove_prefix(percent + 2);
+    }
+    append(format);
+    buffer[length] = '\0';
+    return true;
+}
+
+/// Writes the message and returns what vsnprintf returns, or 0.
+int WriteMessage(char *buffer, const char *format, std::va_list arguments)
+{
+    std::va_list texts;
+    va_copy(texts, arguments);
+    const bool formatted = FormatTexts(buffer, format, texts);
+    va_end(texts);
+    return formatted ? 0 : std::vsnprintf(buffer, kMessageLimit, format, arguments);
+}
+
 void PrintToSinks(const DebugHandle_t &handle, Line &line)
 {
     if (handle.outputType & OUTPUT_CONSOLE)
@@ -171,7 +204,7 @@ void Trace(const DebugHandle_t &handle, const char *functionName, std::uint32_t 
     const bool printed = (handle.outputType & (OUTPUT_CONSOLE | OUTPUT_FILE)) != 0 && (handle.traceType & level) != 0;
     if (printed)
         line.SetHeader(handle, level, functionName, lineNumber);
-    line.EndMessage(std::vsnprintf(line.MessageBuffer(), kMessageLimit, format, arguments));
+    line.EndMessage(WriteMessage(line.MessageBuffer(), format, arguments));
     const std::uint64_t callbackLevel = level & handle.callbackMask;
     if (handle.callback && callbackLevel != 0)
         handle.callback(static_cast<std::uint32_t>(callbackLevel), line.Message(), kMessageBufferSize);

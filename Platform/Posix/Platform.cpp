@@ -1,6 +1,6 @@
 #include "Platform.h"
 
-#include "CommandLine.h"
+#include "Descriptor.h"
 #include "FilesystemPath.h"
 
 #include <algorithm>
@@ -10,14 +10,9 @@
 #include <fcntl.h>
 #include <new>
 #include <pthread.h>
-#include <spawn.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
-
-extern char **environ;
 
 namespace Platform
 {
@@ -39,46 +34,12 @@ std::string NativePath(const std::string &path)
     return native;
 }
 
-/// Waits for `child` and gives its exit code, also when the wait is interrupted.
-std::uint32_t WaitForExitCode(pid_t child)
-{
-    int state = 0;
-    pid_t ended = -1;
-    do
-        ended = waitpid(child, &state, 0);
-    while (ended == -1 && errno == EINTR);
-    if (ended != child || !WIFEXITED(state))
-        return kUnknownExitCode;
-    return static_cast<std::uint32_t>(WEXITSTATUS(state));
-}
-
 /// The folder of a native path, "." where the path names none.
 std::string FolderOf(const std::string &path)
 {
     const std::size_t slash = path.rfind('/');
     return slash == std::string::npos ? "." : path.substr(0, std::max(slash, std::size_t{1}));
 }
-
-/// An open file of the system's, closed by the destructor.
-class Descriptor
-{
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor()
-    {
-        if (IsOpen())
-            close(m_descriptor);
-    }
-    Descriptor(const Descriptor &) = delete;
-    Descriptor &operator=(const Descriptor &) = delete;
-
-    bool IsOpen() const { return m_descriptor != -1; }
-    int Get() const { return m_descriptor; }
-    void Release() { m_descriptor = -1; }
-
-private:
-    int m_descriptor;
-};
 
 int OpenFlags(std::string_view mode)
 {
@@ -117,27 +78,6 @@ bool InitRecursive(pthread_mutex_t &mutex)
 }
 
 } // namespace
-
-bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
-{
-    std::vector<std::string> arguments = SplitCommandLine(commandLine);
-    if (arguments.empty())
-        return false;
-    std::vector<char *> argumentPointers;
-    argumentPointers.reserve(arguments.size() + 1);
-    for (std::string &argument : arguments)
-    {
-        argument = NativePath(argument);
-        argumentPointers.push_back(argument.data());
-    }
-    argumentPointers.push_back(nullptr);
-
-    pid_t child = 0;
-    if (posix_spawn(&child, arguments[0].c_str(), nullptr, nullptr, argumentPointers.data(), environ) != 0)
-        return false;
-    exitCode = WaitForExitCode(child);
-    return true;
-}
 
 std::string ExecutableDirectory()
 {
@@ -327,17 +267,6 @@ MutexHandle MakeMutex(const char * /*name*/)
 {
     std::unique_ptr<pthread_mutex_t> mutex(new (std::nothrow) pthread_mutex_t);
     return mutex && InitRecursive(*mutex) ? mutex.release() : nullptr;
-}
-
-bool WaitMutex(MutexHandle mutex)
-{
-    return mutex && pthread_mutex_lock(static_cast<pthread_mutex_t *>(mutex)) == 0;
-}
-
-void ReleaseMutexHold(MutexHandle mutex)
-{
-    if (mutex)
-        pthread_mutex_unlock(static_cast<pthread_mutex_t *>(mutex));
 }
 
 void CloseMutex(MutexHandle mutex)

@@ -22,6 +22,7 @@ namespace
 
 constexpr DWORD kCreationFlags = CREATE_NO_WINDOW | NORMAL_PRIORITY_CLASS;
 constexpr double kMillisecondsPerSecond = 1000.0;
+constexpr std::size_t kLongestPath = 32768;
 constexpr int kRenameAttempts = 10;
 constexpr DWORD kRenamePause = 20; // milliseconds
 
@@ -44,14 +45,21 @@ std::wstring ToWide(UINT codePage, std::string_view text)
     return wide;
 }
 
+/// `path` from the drive on, with backslashes; `path` itself where the system does not tell.
+std::string FullPath(const std::string &path)
+{
+    std::string full(kLongestPath, '\0');
+    const DWORD length = GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    full.resize(length < full.size() ? length : 0);
+    return full.empty() ? path : full;
+}
+
 /// A name for the mutex of a file, the same for every spelling of its path. Two files with the same name only wait for
 /// each other without need.
 std::string LockName(const std::string &path)
 {
-    char full[MAX_PATH] = "";
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
     std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a
-    for (const char character : length > 0 && length < sizeof full ? std::string(full) : path)
+    for (const char character : FullPath(path))
     {
         const bool isCapital = character >= 'A' && character <= 'Z';
         hash = (hash ^ static_cast<unsigned char>(isCapital ? character - 'A' + 'a' : character)) * 0x100000001B3;
@@ -81,7 +89,7 @@ bool RunCommand(const std::string &commandLine, std::uint32_t &exitCode)
 
 std::string ExecutableDirectory()
 {
-    std::string path(32768, '\0');
+    std::string path(kLongestPath, '\0');
     path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
     path.resize(path.rfind('\\') + 1);
     return path;
@@ -102,7 +110,8 @@ SharedLibrary::SharedLibrary(const std::string &path, std::string &error)
     // A library that cannot be loaded is told to the caller, not to the user in a box that waits for a click.
     DWORD errorMode = 0;
     SetThreadErrorMode(SEM_FAILCRITICALERRORS, &errorMode);
-    m_library = LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    m_library = LoadLibraryExA(FullPath(path).c_str(), nullptr,
+                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     const DWORD code = GetLastError();
     SetThreadErrorMode(errorMode, nullptr);
     if (!m_library)
@@ -278,7 +287,9 @@ FileLock::~FileLock()
 
 MutexHandle MakeMutex(const char *name)
 {
-    return CreateMutexA(nullptr, FALSE, name && *name ? name : nullptr);
+    const HANDLE named = name && *name ? CreateMutexA(nullptr, FALSE, name) : nullptr;
+    // Another user's mutex, or another kind of object, may have the name.
+    return named ? named : CreateMutexA(nullptr, FALSE, nullptr);
 }
 
 bool WaitMutex(MutexHandle mutex)

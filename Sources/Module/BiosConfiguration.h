@@ -45,8 +45,9 @@ public:
 
     /// Writes the knob file of a text template: "[BiosKnobs]" and one line "name==value" per assignment, in byte-wise
     /// order of the names, lines ended by CR LF. The text of an option becomes its value where the object holds the
-    /// knob. A template that cannot be read has no assignments. A file at `knobFile` is replaced as a whole or stays as
-    /// it was (WriteKnobFile). Returns Success, whatever became of the file; NoMemory.
+    /// knob. A template that is missing has no assignments. A file at `knobFile` is replaced as a whole
+    /// (WriteKnobFile). Returns Success; Failed, recorded, when a template that is there cannot be read or the knob
+    /// file cannot be written; NoMemory.
     Status ParseBkcTemplate(std::string templatePath, const std::string &knobFile);
 
     /// The work of UpdateBiosSettings, on a fresh object, for a template of one of the two kinds.

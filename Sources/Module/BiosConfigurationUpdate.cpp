@@ -1,6 +1,7 @@
 #include "BiosConfiguration.h"
 #include "ExceptionBarrier.h"
 #include "FailureReport.h"
+#include "FilesystemPath.h"
 #include "KnobFile.h"
 #include "LowerAscii.h"
 #include "Platform.h"
@@ -8,6 +9,8 @@
 #include "ToolProgram.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <source_location>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -53,6 +56,14 @@ std::string StemOf(const std::string &path)
 {
     const std::size_t begin = path.find_last_of("/\\:") + 1;
     return path.substr(begin, path.find('.') - begin);
+}
+
+/// Whether something has this path, or the system does not tell.
+bool IsThere(const std::string &path)
+{
+    std::error_code error;
+    return std::filesystem::status(Platform::ToFilesystemPath(path), error).type() !=
+           std::filesystem::file_type::not_found;
 }
 
 } // namespace
@@ -108,29 +119,35 @@ Status BiosConfigModule::ProgramTemplate(const std::string &templatePath)
     if (ExtensionOf(templatePath) == kKnobFileExtension)
         return writeKnob(templatePath);
     std::string knobFile;
-    const Status status = getOutFolder(knobFile);
+    Status status = getOutFolder(knobFile);
     if (status != StatusCode::Success)
         return status;
     knobFile += StemOf(templatePath) + '.' + kKnobFileExtension;
-    // What an earlier template of that name has left must not be programmed in this one's place.
-    if (!Platform::RemoveFile(knobFile))
-        return StatusCode::Failed;
-    ParseBkcTemplate(templatePath, knobFile);
-    return writeKnob(knobFile);
+    status = ParseBkcTemplate(templatePath, knobFile);
+    return status == StatusCode::Success ? writeKnob(knobFile) : status;
 }
 
 Status BiosConfigModule::ParseBkcTemplate(std::string templatePath, const std::string &knobFile)
 {
+    const FunctionTrace trace(m_debugHandle, "BiosConfigModule::ParseBkcTemplate");
+    const auto fail =
+        [&trace](const char *traced, const char *reported, std::source_location where = std::source_location::current())
+    {
+        RecordFailure(trace, TRACE_ERROR, traced, reported, kUpdateTitle, where);
+        return StatusCode::Failed;
+    };
     return WithoutExceptions(
         [&]
         {
             std::string text;
-            Platform::ReadTextFile(templatePath, text);
+            if (!Platform::ReadTextFile(templatePath, text) && IsThere(templatePath))
+                return fail("failed to read the template\n", "Failed to read the template");
             AssignmentTable assignments = SplitTemplate(text);
             // An update reads no knobs, so its option texts go to the tool as they are, which knows them; only a caller
             // that has read the knobs gets them translated.
             TranslateOptionTexts(m_knobs, assignments);
-            WriteKnobFile(knobFile, assignments);
+            if (!WriteKnobFile(knobFile, assignments))
+                return fail("failed to write the knob file\n", "Failed to write the knob file");
             return StatusCode::Success;
         });
 }

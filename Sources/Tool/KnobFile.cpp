@@ -32,7 +32,8 @@ Status ProgramKnobs(const std::string &knobFile, FunctionTrace &trace)
     return trace.Done(status);
 }
 
-/// Flushes after each line: a disk that is full is noticed at the line that it no longer takes.
+/// Not flushed line by line: a flush would only show a line to those who read along, and nobody reads the file before it
+/// is whole and gets its name; a disk that is full is noticed at the latest then, and the earlier file stays.
 bool WriteLines(std::FILE *stream, const AssignmentTable &assignments)
 {
     bool written = Platform::WriteText(stream, "[BiosKnobs]\n");
@@ -40,7 +41,7 @@ bool WriteLines(std::FILE *stream, const AssignmentTable &assignments)
     {
         for (const std::string_view text : {assignment->name, std::string_view("=="), assignment->value})
             written = written && Platform::WriteText(stream, text);
-        written = written && Platform::WriteText(stream, "\n") && std::fflush(stream) == 0;
+        written = written && Platform::WriteText(stream, "\n");
     }
     return written;
 }

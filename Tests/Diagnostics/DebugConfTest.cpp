@@ -132,6 +132,7 @@ TEST_F(DebugConfTest, GivesEveryHandleWhatItsLinesSay)
         {"Global:FileName<>\n",
          {.status = Failed},
          ", the log file \"\" cannot be written; there are no traces at all"},
+        {"\xEF\xBB\xBFX:TraceType<Al>\n", {.levels = TRACE_ALL}},
         // One bad line, and no setting counts.
         {"X:TraceType<Al>\nX:TraceType<EnE>\n", {}, ", line 2, holds a code of one character" + unused},
         {"X:TraceType<Al>\n\nX:OutputType<En>", {}, ", line 3, holds an unknown code" + unused},
@@ -166,7 +167,7 @@ TEST_F(DebugConfTest, LinesGoToTheSinksOfTheirHandlesWithoutAllocating)
     WriteFile("all.log", "of an earlier run");
     WriteFile("debug.conf", "Global:FileName<all.log>\nGlobal:OutputType<CoFi>\nGlobal:SyncFlag<Y>\n"
                             "A:TraceType<EnEx>\nA:FileName<ab.log>\nA:DebugFlagsType<LgSy>\n"
-                            "AB:TraceType<Er>\nAB:FileName<ab.log>\nD:TraceType<Er>\nD:TraceFormatType<Td>\n"
+                            "AB:TraceType<Er>\nAB:FileName<./ab.log>\nD:TraceType<Er>\nD:TraceFormatType<Td>\n"
                             "C:TraceType<Al>\nC:FileName<c.log>\nC:DebugFlagsType<No>\n");
     EXPECT_EQ(CheckDebugConf(), std::vector<std::string>());
     EXPECT_TRUE(ReadFile("all.log") == "of an earlier run" && !fs::exists("ab.log"));
@@ -264,19 +265,44 @@ std::vector<Status> SetAll(std::uint32_t mask)
     return {SetTraceTypeAll(mask, true), SetOutputTypeAll(mask, true), SetTraceFormatAll(mask, false)};
 }
 
-TEST_F(DebugConfTest, NameThatNoMutexCanHaveGivesNoHandle)
+TEST_F(DebugConfTest, NameThatNoMutexCanHaveGivesAHandleAllTheSame)
 {
-    const char *const name = "no\\such\\folder";
-    Handle handle = nullptr;
-    const Status status = InitDebugHandle(name, &handle);
-    const Platform::MutexHandle mutex = Platform::MakeMutex(name);
-    Platform::CloseMutex(mutex);
-    EXPECT_EQ(status, mutex ? Success : Failed);
-    EXPECT_EQ(handle != nullptr, mutex != nullptr);
-    EXPECT_EQ(DebugTrace(handle, "F.cpp", "F", 1, TRACE_ERROR, "x"), mutex ? Success : Missing);
-    UnInitDebugHandle(handle);
-    if (mutex)
-        GTEST_SKIP() << "mutexes have no names on this system";
+    UnInitDebugHandle(Open("no\\such\\folder"));
+}
+
+TEST_F(DebugConfTest, SettingsWithoutEffectAreNamed)
+{
+    const std::string writer = "ModuleUIXMLWriter", ofWriter = " of " + writer + " has no effect: ";
+    const struct
+    {
+        std::string configuration;
+        std::vector<std::string> useless;
+    } cases[] = {
+        {"", {}},
+        {"Global:TraceType<Er", {}}, // CheckDebugConf tells
+        {"Global:TraceType<Er>\nGlobal:OutputType<Fi>\nGlobal:FileName<a>\nGlobal:SyncFlag<Y>", {}},
+        {"Global:OutputType<Fi>\nXMLParser:TraceType<Er>\nXMLParser:FileName<a>", {}},
+        {"Global:FileName<a>\nXMLParser:TraceType<Er>\nXMLParser:OutputType<Fi>", {}},
+        {"Parser:TraceType<Er>\nParser:OutputType<Fi>",
+         {"every setting of Parser has no effect: no component has this name"}},
+        {"Global:OutputType<Co>", {"every setting of Global has no effect: there is no TraceType"}},
+        {writer + ":OutputType<Fi>", {"every setting" + ofWriter + "there is no TraceType"}},
+        {"Global:TraceType<Er>\n" + writer + ":TraceType<Al>", {"TraceType" + ofWriter + "Global sets it for all"}},
+        {writer + ":TraceType<Er>\n" + writer + ":OutputType<CoFi>",
+         {"code Fi in OutputType" + ofWriter + "there is no FileName"}},
+        {writer + ":TraceType<Er>\n" + writer + ":FileName<a>", {"FileName" + ofWriter + "OutputType is without Fi"}},
+        {writer + ":TraceType<Er>\n" + writer + ":FileName<a>\nGlobal:OutputType<Fi>\nGlobal:DebugFlagsType<Sy>",
+         {"FileName" + ofWriter + "DebugFlagsType is without Lg"}},
+        {"Global:TraceType<Er>\nGlobal:SyncFlag<Y>\n" + writer + ":SyncFlag<Y>",
+         {"SyncFlag of Global has no effect: Global has no FileName", "SyncFlag" + ofWriter + "it is for Global only"}},
+    };
+    for (auto [configuration, useless] : cases)
+    {
+        WriteFile("debug.conf", configuration);
+        for (std::string &text : useless)
+            text.insert(0, "debug.conf, ");
+        EXPECT_EQ(UselessDebugConfSettings(), useless) << configuration;
+    }
 }
 
 TEST_F(DebugConfTest, SettersChangeWhatIsOpenAndNotLocked)

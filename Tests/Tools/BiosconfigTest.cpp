@@ -2,6 +2,7 @@
 #include "RunProgram.h"
 #include "TestSupport.h"
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -77,6 +78,12 @@ TEST_F(BiosconfigTest, ReplacesTheOutputFileAndLeavesNothingBeside)
     EXPECT_EQ(FilesIn("out"), 1);
 }
 
+TEST_F(BiosconfigTest, AReportGoesToADevice)
+{
+    EXPECT_EQ(RunBiosconfig("report --tool-dir tools -o " NULL_DEVICE).exitCode, kDone);
+    EXPECT_FALSE(fs::exists("NUL"));
+}
+
 TEST_F(BiosconfigTest, AFailedReportLeavesTheOutputFileAndShowsTheErrorsOfThisRunOnly)
 {
     const EnvironmentSetting fault("FENRIKCMD_FAULT", "exit:3");
@@ -111,17 +118,53 @@ TEST_F(BiosconfigTest, ADamagedDumpGivesAReportInTheFileAndAnExitCodeOfItsOwn)
     EXPECT_NE(ReadFile("out/report.xml").find("<Row>"), std::string::npos);
 }
 
+TEST_F(BiosconfigTest, ATimeLimitEndsTheToolAndOtherwiseChangesNothing)
+{
+    WriteFile("out/report.xml", "old");
+    {
+        const EnvironmentSetting fault("FENRIKCMD_FAULT", "savexml=hang");
+        const Outcome outcome = RunBiosconfig("report --tool-dir tools --timeout 1 -o out/report.xml");
+        EXPECT_EQ(outcome.exitCode, 7U);
+        EXPECT_NE(outcome.messages.find("more than 1 s; the external tool was ended"), std::string::npos);
+        EXPECT_EQ(ReadFile("out/report.xml"), "old");
+        EXPECT_EQ(FilesIn("out"), 1);
+        // A program that runs can neither be removed, on one system, nor be written, on others.
+        EXPECT_NE(Platform::OpenStream(std::string(kToolPlace) + "FenrikCmd.exe", "r+b"), nullptr);
+    }
+    const std::string report = RunBiosconfig("report --tool-dir tools").output;
+    EXPECT_EQ(RunBiosconfig("report --tool-dir tools --timeout 60").output, report);
+    EXPECT_EQ(RunBiosconfig("report --tool-dir tools --timeout 60 -o out/report.xml").exitCode, kDone);
+    EXPECT_EQ(ReadFile("out/report.xml"), report);
+    EXPECT_EQ(RunBiosconfig("report --tool-dir bare --timeout 60").exitCode, kNotReady);
+}
+
+TEST_F(BiosconfigTest, AnInterruptionEndsTheToolAndLeavesNothing)
+{
+    if (!*INTERRUPT_AFTER_A_SECOND)
+        GTEST_SKIP() << "nothing here interrupts another process";
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "hang");
+    for (const char *const timeLimit : {"", "--timeout 60 "})
+    {
+        const std::string command = "\" report --tool-dir tools -o out/report.xml ";
+        EXPECT_EQ(RunInSight(INTERRUPT_AFTER_A_SECOND " \"" BIOSCONFIG_PROGRAM + command + timeLimit), 130U);
+        EXPECT_EQ(FilesIn("out"), 0) << timeLimit;
+        EXPECT_NE(Platform::OpenStream(std::string(kToolPlace) + "FenrikCmd.exe", "r+b"), nullptr) << timeLimit;
+    }
+}
+
 TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
 {
     constexpr int kRuns = 10;
     fs::remove_all("Program Files");
-    const auto fail = []
+    std::atomic<std::size_t> failed = 0; // a busy system may not start them all
+    const auto fail = [&failed]
     {
-        std::uint32_t exitCode = 0;
         for (int run = 0; run < kRuns; ++run)
-            EXPECT_TRUE(
-                Platform::RunCommand("\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode));
-        EXPECT_EQ(exitCode, 1U);
+        {
+            std::uint32_t exitCode = 0;
+            Platform::RunCommand("\"" BIOSCONFIG_PROGRAM "\" report --tool-dir tools -o report.xml", exitCode);
+            failed += exitCode == 1 ? 1 : 0;
+        }
     };
     std::thread processes[] = {std::thread(fail), std::thread(fail), std::thread(fail), std::thread(fail)};
     for (std::thread &process : processes)
@@ -130,7 +173,8 @@ TEST_F(BiosconfigTest, ProcessesThatFailAtOnceLoseNoEntry)
     std::size_t entries = 0;
     for (std::size_t at = 0; (at = errors.find("<Error>", at)) != std::string::npos; ++at)
         ++entries;
-    EXPECT_EQ(entries, std::size(processes) * kRuns);
+    EXPECT_EQ(entries, failed);
+    EXPECT_GT(failed, std::size(processes) * kRuns * 3 / 4);
     EXPECT_EQ(FilesIn("tools"), 3);
 }
 
@@ -158,6 +202,14 @@ TEST_F(BiosconfigTest, AnUpdateShowsTheModulesMessage)
     EXPECT_EQ(updated.exitCode, kDone) << updated.messages;
     EXPECT_TRUE(updated.output.starts_with("BIOS settings updated successfully. ")) << updated.output;
     EXPECT_TRUE(updated.output.ends_with("the changes\n")) << updated.output;
+    fs::create_directories("a.b");
+    WriteFile("a.b/other.txt", "BootFast=Enabled");
+    for (const char *const path : {"./bench.ini", "out/../bench.ini", "./a.b/other.txt", "a.b/../bench.ini"})
+    {
+        const Outcome outcome = RunBiosconfig(std::string("update --tool-dir tools --timeout 60 ") + path);
+        EXPECT_TRUE(outcome.output.starts_with("BIOS settings updated")) << path << ": " << outcome.messages;
+    }
+    EXPECT_TRUE(fs::exists(std::string(kToolPlace) + "../out/other.ini"));
     WriteFile("bench.ini", "BootFast==7");
     const Outcome refused = RunBiosconfig("update --tool-dir tools bench.ini");
     EXPECT_EQ(refused.exitCode, kNotDone);

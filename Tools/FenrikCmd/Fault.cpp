@@ -21,15 +21,16 @@ struct FaultName
     FaultKind kind;
 };
 
-constexpr FaultName kFaultNames[] = {{"crash", FaultKind::Crash},         {"nodump", FaultKind::NoDump},
-                                     {"emptydump", FaultKind::EmptyDump}, {"halfdump", FaultKind::HalfDump},
-                                     {"wrongroot", FaultKind::WrongRoot}, {"big", FaultKind::BigDump}};
+constexpr FaultName kFaultNames[] = {{"crash", FaultKind::Crash},       {"hang", FaultKind::Hang},
+                                     {"nodump", FaultKind::NoDump},     {"emptydump", FaultKind::EmptyDump},
+                                     {"halfdump", FaultKind::HalfDump}, {"wrongroot", FaultKind::WrongRoot},
+                                     {"big", FaultKind::BigDump}};
 
 ToolError Unknown(const std::string &setting)
 {
     return {ExitCode::UnknownFault,
             std::string(kFaultVariable) + "=\"" + setting +
-                "\" is no fault; there are exit:N (N from 0 to 4294967295) and crash, with COMMAND= "
+                "\" is no fault; there are exit:N (N from 0 to 4294967295), crash and hang, with COMMAND= "
                 "in front where they are for one "
                 "command only, and for savexml nodump, emptydump, halfdump, wrongroot and big"};
 }
@@ -43,7 +44,8 @@ bool IsCommand(std::string_view name)
 /// Whether `fault` can be seen in `command`.
 bool Concerns(const Fault &fault, std::string_view command)
 {
-    const bool isAnyCommands = fault.kind == FaultKind::Exit || fault.kind == FaultKind::Crash;
+    const bool isAnyCommands =
+        fault.kind == FaultKind::Exit || fault.kind == FaultKind::Crash || fault.kind == FaultKind::Hang;
     return isAnyCommands || command == "savexml";
 }
 

@@ -10,6 +10,8 @@ enum class FaultKind
     Exit,
     /// Ends abnormally and does nothing.
     Crash,
+    /// Never ends and does nothing.
+    Hang,
     // The others are faults of the dump; the exit code is that of success.
     NoDump,
     EmptyDump,

@@ -2,8 +2,10 @@
 #include "ToolError.h"
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
+#include <thread>
 
 namespace
 {
@@ -23,6 +25,7 @@ Exit codes:
 For tests, FENRIKCMD_FAULT makes the program misbehave in one way:
   exit:N     end with exit code N (0 to 4294967295) and do nothing
   crash      end abnormally
+  hang       never end
   nodump     savexml removes the dump and ends well
   emptydump  savexml writes an empty file
   halfdump   savexml writes the first half of the dump
@@ -56,6 +59,8 @@ int RunCommand(const Command &command, const std::string &argument)
     const Fault fault = FaultFor(command.name);
     if (fault.kind == FaultKind::Crash)
         std::abort();
+    while (fault.kind == FaultKind::Hang)
+        std::this_thread::sleep_for(std::chrono::hours(1));
     if (fault.kind == FaultKind::Exit)
         return fault.exitCode;
     command.run({argument, fault});

@@ -21,6 +21,8 @@ constexpr Format kFormats[] = {{"ui-xml", OutputKind::UiXml},     {"log-xml", Ou
                                {"log-json", OutputKind::LogJson}, {"ui-json", OutputKind::UiJson}};
 static_assert(kOutputKindCount == 10, "a new kind of report wants a name here");
 
+constexpr int kLongestTimeLimit = 1'000'000;
+
 constexpr const char *kEnvironmentHelp = R"(
 The module runs an external tool that it finds through the environment variable ProgramFiles, or through
 --program-files:
@@ -85,6 +87,13 @@ void AddCommonOptions(CLI::App &command, Arguments &parsed)
                     "Where the external tool is installed, in the place of the environment variable ProgramFiles")
         ->envname("BIOSCONFIG_PROGRAM_FILES")
         ->type_name("DIR");
+    command
+        .add_option("--timeout", parsed.timeLimit,
+                    "After how many seconds to give up: the external tool is ended then, with whatever it has started; "
+                    "without it the tool has all the time that it takes")
+        ->envname("BIOSCONFIG_TIMEOUT")
+        ->check(CLI::Range(1, kLongestTimeLimit))
+        ->type_name("SECONDS");
 }
 
 void AddReportOptions(CLI::App &report, Arguments &parsed)
@@ -110,7 +119,7 @@ void AddUpdateArgument(CLI::App &update, Arguments &parsed)
     update
         .add_option("TEMPLATE", parsed.templatePath,
                     "The template: a list of assignments (txt) or a knob file (ini). What stands behind the first "
-                    "\".\" of the whole path says which, so no folder of the path may have a \".\" in its name")
+                    "\".\" of its name says which")
         ->required()
         ->type_name("");
 }

@@ -3,6 +3,7 @@
 #include "ExitCode.h"
 #include "OutputKind.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -28,6 +29,8 @@ struct Arguments
     std::string option = "all";
     /// The template of an update, as the user gave it.
     std::string templatePath;
+    /// After how many seconds the work is given up; 0: never.
+    std::uint32_t timeLimit = 0;
     /// The file for the data; "-" is standard output.
     std::string outputPath = "-";
 };

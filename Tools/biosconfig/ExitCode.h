@@ -12,7 +12,8 @@ enum class ExitCode : int
     NoModule = 3,
     NotReady = 4,
     NotWritten = 5,
-    DamagedDump = 6
+    DamagedDump = 6,
+    TimedOut = 7
 };
 
 struct ExitCodeMeaning
@@ -32,7 +33,8 @@ constexpr ExitCodeMeaning kExitCodeMeanings[] = {
     {ExitCode::NotReady, "the tool directory is missing, not writable, or not accepted by the module"},
     {ExitCode::NotWritten, "the output cannot be written"},
     {ExitCode::DamagedDump,
-     "a report of what could be read, and written: the external tool's dump of the options is damaged"}};
+     "a report of what could be read, and written: the external tool's dump of the options is damaged"},
+    {ExitCode::TimedOut, "the time limit was over: the external tool and whatever it had started were ended"}};
 
 /// A failure that ends the program's work, with the text for the user and the exit code. Never leaves main.
 struct Failure : std::runtime_error

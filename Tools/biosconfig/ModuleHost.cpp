@@ -100,8 +100,8 @@ void ModuleHost::UpdateSettings(const std::string &templatePath, const std::stri
         messageLine = message + "\n";
     if (status == StatusCode::Success)
         return;
-    const char *const hint = message.empty() ? "; it takes a template with txt or ini behind the first \".\" of the "
-                                               "whole path, and no quotation mark in it"
+    const char *const hint = message.empty() ? "; it takes a template with txt or ini behind the first \".\" of its "
+                                               "name, and no quotation mark in its path"
                                              : "";
     throw Failure(ExitCode::NotDone,
                   "the settings were not updated (UpdateBiosSettings: " + Describe(status) + ")" + hint);

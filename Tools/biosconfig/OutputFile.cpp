@@ -1,22 +1,9 @@
 #include "OutputFile.h"
 
 #include "ExitCode.h"
-#include "FilesystemPath.h"
-
-#include <cstdint>
-#include <filesystem>
 
 namespace
 {
-
-namespace fs = std::filesystem;
-
-bool IsReplaceable(const std::string &path)
-{
-    std::error_code error;
-    const fs::file_status status = fs::status(Platform::ToFilesystemPath(path), error);
-    return fs::is_regular_file(status) || !fs::exists(status);
-}
 
 void WriteAll(std::FILE *stream, std::string_view data, const std::string &name)
 {
@@ -28,16 +15,18 @@ void WriteAll(std::FILE *stream, std::string_view data, const std::string &name)
 
 OutputFile::OutputFile(const std::string &path)
 {
-    if (path == "-")
+    if (path == kStandardOutput)
         return;
     m_path = Platform::LinkTarget(path);
     bool isOpen = false;
-    if (IsReplaceable(m_path))
+    if (Platform::CanBePlainFile(m_path))
         isOpen = m_replaced.emplace(m_path).Open();
     else
         isOpen = (m_direct = Platform::OpenStream(m_path, "wb")) != nullptr;
     if (!isOpen)
         throw Failure(ExitCode::NotWritten, "cannot write the output file " + path);
+    if (m_replaced && !m_replaced->BesidePath().empty())
+        m_removed.emplace(m_replaced->BesidePath(), m_replaced->Stream());
 }
 
 void OutputFile::Write(std::string_view data)
@@ -48,7 +37,13 @@ void OutputFile::Write(std::string_view data)
         WriteAll(stdout, data, "standard output");
         return;
     }
-    WriteAll(m_replaced ? m_replaced->Stream() : m_direct.get(), data, m_path);
+    WriteAll(Stream(), data, m_path);
+    Commit();
+}
+
+void OutputFile::Commit()
+{
     if (m_replaced && !m_replaced->Commit())
         throw Failure(ExitCode::NotWritten, "cannot replace the output file " + m_path);
+    m_removed.reset();
 }

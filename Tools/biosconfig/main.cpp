@@ -6,15 +6,29 @@
 #include "ModuleHost.h"
 #include "OutputFile.h"
 #include "Platform.h"
+#include "Program.h"
 #include "ReplacedFile.h"
+#include "TemplateForModule.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <optional>
 
 namespace
 {
+
+/// Tells a worker that it is one, and the path of the template that the module is to get.
+constexpr const char *kWorkerVariable = "BIOSCONFIG_WORKER";
+constexpr const char *kNoTemplate = "-";
+
+/// What is asked for, and the template under the path that the module takes.
+struct Task
+{
+    const Arguments &arguments;
+    std::string templatePath;
+};
 
 void Tell(const std::string &message)
 {
@@ -29,18 +43,12 @@ std::string OneLine(std::string text)
     return text;
 }
 
-std::string WithFinalSeparator(const std::string &directory)
-{
-    return directory.find_last_of("/\\") == directory.size() - 1 ? directory : directory + "/";
-}
-
 /// The user's tool directory as a prefix for file names. Throws Failure when there is no such directory.
 std::string ToolDirectory(const Arguments &arguments)
 {
-    std::error_code error;
-    if (!std::filesystem::is_directory(Platform::ToFilesystemPath(arguments.toolDirectory), error))
+    if (!Platform::IsDirectory(arguments.toolDirectory))
         throw Failure(ExitCode::NotReady, "there is no tool directory \"" + arguments.toolDirectory + "\"");
-    return WithFinalSeparator(arguments.toolDirectory);
+    return Platform::AsPrefix(arguments.toolDirectory);
 }
 
 /// Throws Failure when the module could not record errors, because then a failed report could not be told from a
@@ -82,8 +90,9 @@ void RequireReadable(const std::string &templatePath)
 }
 
 /// Has the module do the work and stores the data. Throws Failure when it could not be done; there may be data then.
-void AskModule(const Arguments &arguments, const std::string &toolDirectory, std::string &data)
+void AskModule(const Task &task, const std::string &toolDirectory, std::string &data)
 {
+    const Arguments &arguments = task.arguments;
     const Platform::StandardOutputToError keepOutputForData;
     if (!arguments.programFiles.empty())
         Platform::WriteEnvironmentVariable("ProgramFiles", arguments.programFiles);
@@ -99,7 +108,7 @@ void AskModule(const Arguments &arguments, const std::string &toolDirectory, std
         return;
     case Arguments::Command::Update:
         RequireReadable(arguments.templatePath);
-        module.UpdateSettings(arguments.templatePath, toolDirectory, data);
+        module.UpdateSettings(task.templatePath, toolDirectory, data);
         return;
     }
 }
@@ -135,18 +144,21 @@ ExitCode JudgeReport(const Arguments &arguments, const std::string &report, cons
 }
 
 /// Has the module do the work and judges the outcome. A report that could be made in part only is stored, too.
-ExitCode MakeData(const Arguments &arguments, std::string &data)
+ExitCode MakeData(const Task &task, std::string &data)
 {
+    const Arguments &arguments = task.arguments;
     const std::string toolDirectory = ToolDirectory(arguments);
     const bool report = arguments.command == Arguments::Command::Report;
     const ErrorFileWatch watch(toolDirectory + "Error.xml");
     for (const std::string &fault : CheckDebugConf())
         Tell(fault);
+    for (const std::string &useless : UselessDebugConfSettings())
+        Tell(useless);
     if (report)
         RequireWritable(watch.Path());
     try
     {
-        AskModule(arguments, toolDirectory, data);
+        AskModule(task, toolDirectory, data);
     }
     catch (const Failure &failure)
     {
@@ -159,26 +171,72 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
     return report ? JudgeReport(arguments, data, errors) : ExitCode::Success;
 }
 
-ExitCode Run(const Arguments &arguments)
+/// Whether there is something to store in a file. To standard output goes what there is.
+bool IsStored(ExitCode outcome, const Arguments &arguments)
 {
-    OutputFile output(arguments.outputPath);
+    return outcome == ExitCode::Success || outcome == ExitCode::DamagedDump || arguments.outputPath == kStandardOutput;
+}
+
+ExitCode Work(const Task &task, OutputFile &output)
+{
     std::string data;
-    const ExitCode outcome = MakeData(arguments, data);
-    if (outcome == ExitCode::Success || outcome == ExitCode::DamagedDump || output.IsStandardOutput())
+    const ExitCode outcome = MakeData(task, data);
+    if (IsStored(outcome, task.arguments))
         output.Write(data);
     return outcome;
+}
+
+/// Has a worker do the work, since a module that waits cannot be called back: a process can be ended. Files that only
+/// live for a while are this process's, which is not.
+ExitCode WorkInTime(const Task &task, char *const *commandLine, OutputFile &output)
+{
+    const Arguments &arguments = task.arguments;
+    Platform::WriteEnvironmentVariable(kWorkerVariable, task.templatePath.empty() ? kNoTemplate : task.templatePath);
+    Platform::Worker worker(commandLine, output.Stream());
+    if (!worker)
+        throw Failure(ExitCode::NotDone, "cannot start the process that does the work");
+    std::uint32_t exitCode = 0;
+    if (!worker.Wait(arguments.timeLimit, exitCode))
+    {
+        worker.End();
+        throw Failure(ExitCode::TimedOut, "the work has taken more than " + std::to_string(arguments.timeLimit) +
+                                              " s; the external tool was ended, with whatever it had started");
+    }
+    if (exitCode == Platform::kUnknownExitCode)
+        throw Failure(ExitCode::NotDone, "the process that did the work has crashed");
+    const auto outcome = static_cast<ExitCode>(exitCode);
+    if (IsStored(outcome, arguments))
+        output.Commit();
+    return outcome;
+}
+
+ExitCode Run(const Arguments &arguments, char *const *commandLine)
+{
+    std::string templatePath;
+    if (Platform::ReadEnvironmentVariable(kWorkerVariable, templatePath))
+    {
+        Platform::WriteEnvironmentVariable(kWorkerVariable, "");
+        OutputFile output{std::string(kStandardOutput)};
+        return Work({arguments, templatePath}, output);
+    }
+    const Platform::Interruption interruption;
+    OutputFile output(arguments.outputPath);
+    const TemplateForModule templateFile(arguments.templatePath);
+    const Task task = {arguments, templateFile.Path()};
+    return arguments.timeLimit == 0 ? Work(task, output) : WorkInTime(task, commandLine, output);
 }
 
 } // namespace
 
 int main(int argumentCount, char **arguments)
 {
+    const Platform::ConsoleInUtf8 console;
     ExitCode exitCode = ExitCode::NotDone;
     try
     {
         const std::optional<Arguments> parsed = ParseArguments(argumentCount, arguments, exitCode);
         if (parsed)
-            exitCode = Run(*parsed);
+            exitCode = Run(*parsed, arguments);
     }
     catch (const Failure &failure)
     {

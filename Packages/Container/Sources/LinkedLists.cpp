@@ -51,7 +51,15 @@ ListNode_t *Tail(const ContainerHandle_t &list)
 
 NodeOwner MakeNode(void *data)
 {
-    return NodeOwner(new (std::nothrow) ListNode_t{.data = data});
+    // Not the operator new that does not throw: it is a call around this one.
+    try
+    {
+        return NodeOwner(new ListNode_t{.data = data});
+    }
+    catch (const std::bad_alloc &)
+    {
+        return nullptr;
+    }
 }
 
 bool IsNegative(std::uint32_t index)
@@ -113,8 +121,10 @@ void Link(ContainerHandle_t &list, Gap gap, NodeOwner owner)
 
 NodeOwner Unlink(ContainerHandle_t &list, ListNode_t *node)
 {
-    SetNext(list, node->previous, node->next);
-    SetPrevious(list, node->next, node->previous);
+    // Read before anything is written: for all the compiler knows, that changes the node.
+    const Gap gap = {node->previous, node->next};
+    SetNext(list, gap.previous, gap.next);
+    SetPrevious(list, gap.next, gap.previous);
     return NodeOwner(node);
 }
 
