@@ -106,9 +106,9 @@ TEST(SystemFaults, AreToldByAReport)
 TEST(SystemFaults, AreToldByAnUpdate)
 {
     Request request;
-    const std::string knobFile = request.machine.HostFile("t.ini");
-    WriteFile(knobFile, "BootFast=Enabled\nBootMode=Legacy");
-    Sweep(request, false, 3, [&] { return UpdateBiosSettings(knobFile, request.text, std::move(request.parameters)); });
+    WriteFile(request.machine.HostFile("t.txt"), "BootFast=Enabled;BootMode=Legacy");
+    Sweep(request, false, 8,
+          [&] { return UpdateBiosSettings(std::move(request.path), request.text, std::move(request.parameters)); });
 }
 
 TEST(SystemFaults, LoseNoEarlierEntry)
