@@ -27,7 +27,7 @@ HostExample       Docs                       : Headers
 TestSupport       Tests/Support              : Headers Platform Diagnostics
 WriterTests       Tests/Writers              : Headers Platform Diagnostics Writers TestSupport
 Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Writers Module TestSupport
-Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module WriterTests
+Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module TestSupport WriterTests
 Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikCmd HostFiles Tool Writers Module
 TABLE
 

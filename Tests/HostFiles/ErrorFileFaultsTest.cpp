@@ -1,11 +1,10 @@
-// What becomes of the error file when the system fails, and when a process is killed while it writes.
+// What becomes of links, rights and entries when the error file is written, and when a process is killed meanwhile.
 
 #include "ErrorFile.h"
 #include "FailingCalls.h"
 #include "KilledProcess.h"
 #include "TestSupport.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -35,57 +34,6 @@ protected:
     TemporaryDirectory m_directory;
     std::string m_path = m_directory.Path("Error.xml");
 };
-
-TEST_F(ErrorFileFaultsTest, OneFailedCallLosesNoEntry)
-{
-    const struct
-    {
-        SystemCall call;
-        std::vector<int> errors;
-        int leastCalls;
-        /// Whether the entry gets there all the same.
-        bool harmless;
-    } faults[] = {
-        {SystemCall::Open, {EIO, EINTR, ENFILE, ESTALE, ENOMEM, ELOOP, EACCES}, 2, false},
-        {SystemCall::Read, {EBADF}, 1, false},
-        {SystemCall::Create, {EACCES, EROFS}, 1, true},
-        {SystemCall::Create, {ENOSPC, EMFILE}, 1, false},
-        {SystemCall::Write, {EBADF}, 1, false},
-        {SystemCall::Sync, {EIO}, 1, false},
-        {SystemCall::Rename, {EACCES, EBUSY}, 1, true},
-    };
-    for (int count = 0; count < 3; ++count)
-        ASSERT_EQ(Write(), StatusCode::Success);
-    const std::string before = ReadFile(m_path);
-    const std::string entries = before.substr(0, before.rfind("</Tool>"));
-    for (const auto &[call, errors, leastCalls, harmless] : faults)
-    {
-        for (const int error : errors)
-        {
-            int position = 1;
-            for (;; ++position)
-            {
-                SCOPED_TRACE(std::to_string(static_cast<int>(call)) + " " + std::to_string(position) + " " +
-                             std::to_string(error));
-                WriteFile(m_path, before);
-                FailCall(call, position, error);
-                const Status status = Write();
-                const bool failed = CallsSeen() >= position;
-                FailCall(call, 0, 0);
-                const std::string after = ReadFile(m_path);
-                EXPECT_TRUE(after.starts_with(entries)) << after;
-                EXPECT_EQ(Entries(after), status == StatusCode::Success ? 4 : 3);
-                EXPECT_TRUE(status == StatusCode::Success || !harmless) << status;
-                // A disk that takes no new file would not take the old one again either.
-                EXPECT_FALSE(status == StatusCode::Success && failed && !harmless && call == SystemCall::Create);
-                EXPECT_EQ(std::distance(fs::directory_iterator(m_directory.Path("")), {}), 1);
-                if (!failed)
-                    break;
-            }
-            EXPECT_GT(position, leastCalls);
-        }
-    }
-}
 
 TEST_F(ErrorFileFaultsTest, AFileStaysWhatItIs)
 {

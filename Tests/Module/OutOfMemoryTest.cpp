@@ -1,7 +1,6 @@
-#include "BiosConfiguration.h"
 #include "ErrorFile.h"
 #include "FailingAllocation.h"
-#include "ModuleSupport.h"
+#include "ModuleRequest.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -12,74 +11,13 @@
 namespace
 {
 
-using TestSupport::Machine;
-using Lines = std::vector<std::string>;
-
-/// What the host sees of a request.
-struct Seen
-{
-    Status status = StatusCode::Failed;
-    /// Of the report, the capabilities or the programmed options.
-    std::size_t hash = 0;
-    Lines entries = {};
-
-    bool operator==(const Seen &) const = default;
-};
-
-constexpr const char *kEarlierFile =
-    "<?xml version=\"1.0\"?>\n<Tool Name=\"Tarnwell\"><Error><Message Name=\"Earlier\" "
-    "Description=\"entry\"/></Error></Tool>\n";
-constexpr const char *kEarlier = "Earlier / entry";
-
-/// What a request is given and what it leaves, which is looked at when memory is back.
-struct Request
-{
-    void Prepare()
-    {
-        std::filesystem::remove(firmware);
-        std::filesystem::remove_all(machine.ToolFile("out"));
-        TestSupport::WriteFile(machine.HostFile("Error.xml"), kEarlierFile);
-        parameters = {{"toolxmlpath", machine.HostDirectory()}};
-        path = machine.HostFile("t.txt");
-    }
-
-    /// The capabilities, the report or the message, and whether options are programmed.
-    std::string Data() const
-    {
-        const std::string options = std::filesystem::exists(firmware) ? TestSupport::ReadFile(firmware) : "";
-        return (caps.empty() ? "" : caps[0]->names[0]) + text +
-               (options.find("\"Legacy\"") == std::string::npos ? "" : " (programmed)");
-    }
-
-    void Forget()
-    {
-        for (const Cap *cap : caps)
-            delete cap;
-        caps = {};
-        parameters = {};
-        path = {};
-        text = {};
-    }
-
-    Machine &machine = Machine::Fresh();
-    std::string firmware = machine.ToolFile("FenrikBinary/FenrikFirmware.json");
-    BiosConfigModule module;
-    std::vector<Cap *> caps = {};
-    ParameterMap parameters = {};
-    std::string path = {}, text = {};
-};
+using namespace TestSupport;
 
 /// Runs the request with the allocation number `point` failing, alone or with all behind it.
 template <typename Make>
 Seen Run(Request &request, const Make &make, long point, bool once)
 {
-    request.Prepare();
-    Seen seen;
-    seen.status = WithoutMemory(point, make, once);
-    seen.hash = std::hash<std::string>()(request.Data());
-    request.Forget();
-    seen.entries = request.machine.Errors();
-    return seen;
+    return request.Run([&] { return WithoutMemory(point, make, once); });
 }
 
 /// What a request that succeeds leaves behind, and all before it.
@@ -89,16 +27,6 @@ long BlocksBehind(Request &request, const Make &make)
     Run(request, make, -1, false);
     xmlResetLastError();
     return liveBlocks;
-}
-
-void Check(const Seen &seen, const Seen &whole, bool wantsEntry)
-{
-    ASSERT_FALSE(seen.entries.empty());
-    EXPECT_EQ(seen.entries[0], kEarlier);
-    const bool isWhole =
-        seen.status == StatusCode::Success && seen.hash == whole.hash && seen.entries.size() >= whole.entries.size();
-    const std::size_t fewer = seen.status == StatusCode::Success ? whole.entries.size() : wantsEntry ? 1 : 0;
-    EXPECT_TRUE(isWhole || seen.entries.size() > fewer) << seen.status;
 }
 
 /// Runs it with each `step`-th allocation failing in turn. Whatever the host gets is whole or it is told, by an entry
@@ -165,7 +93,7 @@ TEST(OutOfMemory, IsToldByAnInitialisation)
 
 TEST(OutOfMemory, IsToldByAReport)
 {
-    const std::string sound = TestSupport::ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml");
+    const std::string sound = ReadFile(TEST_DATA_DIRECTORY "SmallFirmware.xml");
     const std::string damaged = "<SYSTEM><biosknobs><k name='A &'/></biosknobs></SYSTEM>";
     const std::tuple<const char *, OutputKind, const std::string &> cases[] = {
         {"UI XML", OutputKind::UiXml, sound},         {"XML log", OutputKind::LogXml, sound},
@@ -177,7 +105,7 @@ TEST(OutOfMemory, IsToldByAReport)
     {
         Request request;
         request.machine.UseDump(dump);
-        EXPECT_EQ(TestSupport::InitModule(request.module, request.machine), StatusCode::Success);
+        EXPECT_EQ(InitModule(request.module, request.machine), StatusCode::Success);
         Sweep(what, request, true, [&, &kind = kind] { return request.module.GetData("all", &kind, &request.text); });
     }
 }
@@ -185,7 +113,7 @@ TEST(OutOfMemory, IsToldByAReport)
 TEST(OutOfMemory, IsToldByAnUpdate)
 {
     Request request;
-    TestSupport::WriteFile(request.machine.HostFile("t.txt"), "BootFast=Enabled;BootMode=Legacy");
+    WriteFile(request.machine.HostFile("t.txt"), "BootFast=Enabled;BootMode=Legacy");
     Sweep("update", request, false,
           [&] { return UpdateBiosSettings(std::move(request.path), request.text, std::move(request.parameters)); });
 }

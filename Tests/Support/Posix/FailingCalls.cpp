@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -49,6 +50,17 @@ std::size_t WithoutDescriptor(std::FILE *stream, const Work &work)
     return done;
 }
 
+/// Whether what has been written to a stream is to fail; it is lost then, and the stream has an error, as on a full
+/// disk.
+bool FailsToFlush(std::FILE *stream)
+{
+    if (IsConsole(stream) || !Fails(SystemCall::Write))
+        return false;
+    WithoutDescriptor(stream, [stream] { return static_cast<std::size_t>(std::fflush(stream)); });
+    __fpurge(stream);
+    return true;
+}
+
 } // namespace
 
 void FailCall(SystemCall call, int position, int error)
@@ -87,11 +99,23 @@ extern "C"
 
     std::size_t fwrite(const void *bytes, std::size_t size, std::size_t count, std::FILE *stream)
     {
-        const auto write = [&] { return Next<decltype(fwrite)>("fwrite")(bytes, size, count, stream); };
-        if (IsConsole(stream) || !Fails(SystemCall::Write))
-            return write();
-        write();
-        return WithoutDescriptor(stream, [stream] { return static_cast<std::size_t>(std::fflush(stream) == 0); });
+        const std::size_t written = Next<decltype(fwrite)>("fwrite")(bytes, size, count, stream);
+        return FailsToFlush(stream) ? 0 : written;
+    }
+
+    int fputs(const char *text, std::FILE *stream)
+    {
+        const int result = Next<decltype(fputs)>("fputs")(text, stream);
+        return FailsToFlush(stream) ? EOF : result;
+    }
+
+    int fclose(std::FILE *stream)
+    {
+        const bool fails = Fails(SystemCall::Close);
+        if (fails)
+            __fpurge(stream); // what is still to be written gets lost
+        const int result = Next<decltype(fclose)>("fclose")(stream);
+        return fails ? EOF : result;
     }
 
     int fsync(int descriptor)

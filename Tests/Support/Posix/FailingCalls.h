@@ -9,6 +9,7 @@ enum class SystemCall
     Read,
     Write,
     Sync,
+    Close,
     Rename,
     ChangeOwner,
     Lock
