@@ -40,7 +40,8 @@ struct Request
         std::string inFile = text; // a report goes on without a file
         for (const auto &file : std::filesystem::directory_iterator(machine.HostFile("ModuleData")))
             Platform::ReadTextFile(machine.HostFile("ModuleData/" + file.path().filename().string()), inFile);
-        return (caps.empty() ? "" : caps[0]->names[0]) + text + inFile + (std::filesystem::exists(firmware) ? ReadFile(firmware) : "");
+        return (caps.empty() ? "" : caps[0]->names[0]) + text + inFile +
+               (std::filesystem::exists(firmware) ? ReadFile(firmware) : "");
     }
 
     void Forget()
