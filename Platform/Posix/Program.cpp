@@ -185,7 +185,10 @@ bool Worker::Wait(std::uint32_t seconds, std::uint32_t &exitCode)
 void Worker::End()
 {
     if (m_system != 0)
+    {
+        kill(static_cast<pid_t>(m_system), SIGKILL); // also where the system does not list the children
         EndChildren();
+    }
     m_system = 0;
 }
 
