@@ -46,7 +46,8 @@ class CapabilityReader
 public:
     explicit CapabilityReader(std::string moduleName) : m_path{"Tarnwell", "CapabilityList", std::move(moduleName)} {}
 
-    // What the parser calls.
+    // What the parser calls, by its names.
+    // NOLINTBEGIN(readability-identifier-naming)
     bool null() { return Value(Shape::Null); }
     bool boolean(bool /*value*/) { return Value(Shape::Other); }
     bool number_integer(std::int64_t /*value*/) { return Value(Shape::Other); }
@@ -79,6 +80,7 @@ public:
     {
         return false;
     }
+    // NOLINTEND(readability-identifier-naming)
 
     /// Success; NotFound when a value on the path is missing (or null); Failed when one is not of its shape.
     Status Take(CapabilityLists &lists)
@@ -94,12 +96,13 @@ public:
             return StatusCode::NotFound;
         if (m_shapes[kList] != Shape::Array && m_shapes[kList] != Shape::Object)
             return StatusCode::Failed;
-        for (auto &[key, element] : m_elements)
+        for (auto &keyed : m_elements)
         {
+            Element &element = keyed.second;
             if (!element.name || !element.description)
                 return StatusCode::Failed;
-            lists.names.push_back(LowerAscii(*std::move(element.name)));
-            lists.descriptions.push_back(*std::move(element.description));
+            lists.names.push_back(LowerAscii(std::move(*element.name)));
+            lists.descriptions.push_back(std::move(*element.description));
         }
         return StatusCode::Success;
     }

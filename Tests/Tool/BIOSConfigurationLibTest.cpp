@@ -216,7 +216,7 @@ TEST_F(BIOSConfigurationLibTest, NamesTheLineOfTheDumpsFileWhereItIsDamaged)
         {std::string("\n<k name='A'/>\n\0\n", 17), 3},
         {"\n<k name='A'/><k name='\xFF'/>\n", 2},
         {"\n<k name='A'/>\n<p:k/>", 0}, // no more than a namespace without a name
-        {"<k name='A'/>" + std::string(11'000'000, ' '), 0},
+        {std::string("<k name='A'/>").append(11'000'000, ' '), 0},
     };
     for (const auto &[knobs, line] : cases)
     {

@@ -4,7 +4,8 @@
 #include <cstddef>
 
 // The C library calls these in the place of its own, and so does every other library in the program, operator new
-// included. What they do is left to the C library.
+// included. What they do is left to the C library. The names are its own.
+// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier)
 
 extern "C"
 {
@@ -65,3 +66,5 @@ extern "C"
         __libc_free(memory);
     }
 }
+
+// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier)
