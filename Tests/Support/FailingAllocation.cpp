@@ -5,7 +5,7 @@
 
 thread_local long allocationsLeft = -1;
 thread_local bool failsOnce = false;
-long liveBlocks = 0;
+std::atomic<long> liveBlocks = 0;
 
 // Both ways to allocate are replaced: the sanitizers bring a second one that would not call the first.
 

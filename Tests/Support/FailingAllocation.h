@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <utility>
 
 /// A test program with FailingAllocation.cpp in it can run out of memory for what C++ allocates; with
@@ -11,7 +12,7 @@ extern thread_local long allocationsLeft;
 extern thread_local bool failsOnce;
 
 /// Blocks that the program has allocated and not freed.
-extern long liveBlocks;
+extern std::atomic<long> liveBlocks;
 
 /// Counts one allocation; false when it is to fail.
 inline bool TakeAllocation()

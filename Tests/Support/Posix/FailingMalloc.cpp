@@ -18,7 +18,7 @@ extern "C"
 
 thread_local long allocationsLeft = -1;
 thread_local bool failsOnce = false;
-long liveBlocks = 0;
+std::atomic<long> liveBlocks = 0;
 
 namespace
 {
