@@ -1,8 +1,10 @@
 #include "ErrorFileWatch.h"
 
 #include "Platform.h"
+#include "ReplacedFile.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <memory>
@@ -36,6 +38,8 @@ constexpr Field kFields[] = {{0, "Name", &RecordedError::message},
                              {1, "Description", &RecordedError::time},
                              {2, "Filename", &RecordedError::sourceFile},
                              {2, "LineNumber", &RecordedError::line}};
+
+constexpr std::uint32_t kLongestWait = 10'000; // milliseconds
 
 std::vector<xmlNode *> ChildrenNamed(xmlNode *parent, std::string_view name)
 {
@@ -71,8 +75,12 @@ std::vector<RecordedError> ReadErrors(const std::string &path)
 {
     std::vector<RecordedError> errors;
     std::string text;
-    if (!Platform::ReadTextFile(path, text))
-        return errors;
+    {
+        // Not while another process puts a new file in its place: some systems let nobody read it then.
+        const Platform::FileLock lock(Platform::LinkTarget(path), kLongestWait);
+        if (!Platform::ReadTextFile(path, text))
+            return errors;
+    }
     const DocumentOwner document(xmlReadMemory(text.data(), static_cast<int>(text.size()), path.c_str(), nullptr,
                                                XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET));
     xmlNode *const root = document ? xmlDocGetRootElement(document.get()) : nullptr;

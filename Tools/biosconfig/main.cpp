@@ -22,6 +22,7 @@ namespace
 /// Tells a worker that it is one, and the path of the template that the module is to get.
 constexpr const char *kWorkerVariable = "BIOSCONFIG_WORKER";
 constexpr const char *kNoTemplate = "-";
+constexpr std::uint32_t kLongestWait = 10'000; // milliseconds
 
 /// What is asked for, and the template under the path that the module takes.
 struct Task
@@ -57,6 +58,8 @@ void RequireWritable(const std::string &errorFile)
 {
     const std::string target = Platform::LinkTarget(errorFile);
     std::error_code error;
+    // While another process puts a new file in its place, some systems let nobody open it.
+    const Platform::FileLock lock(target, kLongestWait);
     // Where there is none yet, another file is tried: other processes may be making this one.
     const bool exists = std::filesystem::exists(Platform::ToFilesystemPath(target), error);
     if (exists ? !Platform::OpenStream(target, "r+b") : !Platform::ReplacedFile(target + ".trial").Open())
