@@ -46,8 +46,9 @@ class Worker
 {
 public:
     /// Starts it with `arguments`, those that main was given, and this process's environment. What it writes to
-    /// standard output goes to `output`; null stands for where it goes for this process.
-    Worker(char *const *arguments, std::FILE *output);
+    /// standard output goes to `output`, what it writes to standard error to `messages`; null stands for where it goes
+    /// for this process.
+    Worker(char *const *arguments, std::FILE *output, std::FILE *messages = nullptr);
     /// Ends it where it still runs.
     ~Worker() { End(); }
     Worker(const Worker &) = delete;
@@ -80,6 +81,28 @@ public:
 private:
     unsigned m_before = 0;
 };
+
+/// Has a standard stream that the process was started without lead nowhere: a file that is opened later must not be
+/// taken for it. To write there fails. POSIX: open. Windows: nothing to do, such files get other numbers.
+void OccupyStandardStreams();
+
+/// Whether somebody sits in front of `stream`. Windows: GetConsoleMode. POSIX: isatty.
+bool IsTerminal(std::FILE *stream);
+
+/// How many columns the terminal behind `stream` has; 0 where there is none or it does not tell. Windows:
+/// GetConsoleScreenBufferInfo. POSIX: ioctl.
+std::size_t TerminalColumns(std::FILE *stream);
+
+/// Has the terminal behind `stream` understand escape sequences; false where it does not. Windows: SetConsoleMode.
+/// POSIX: nothing to do, TERM tells.
+bool EnableEscapeSequences(std::FILE *stream);
+
+/// This machine's name in its network; empty when the system does not tell. Windows: GetComputerNameA. POSIX:
+/// gethostname.
+std::string MachineName();
+
+/// Whether the file at `path` can be started as a program. Windows: whether it can be read. POSIX: access.
+bool IsExecutable(const std::string &path);
 
 /// Whether there is a directory at `path`, or a link to one. Windows: GetFileAttributesA, which knows all spellings.
 bool IsDirectory(const std::string &path);

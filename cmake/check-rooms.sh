@@ -20,13 +20,14 @@ Xml               Sources/Xml                : Headers Platform ExceptionBarrier
 HostFiles         Sources/HostFiles          : Headers Platform ExceptionBarrier Diagnostics Text Xml HostLibrary SingletonManager
 Tool              Sources/Tool               : Headers Platform ExceptionBarrier Diagnostics Text Xml
 Writers           Sources/Writers            : Headers ExceptionBarrier Diagnostics Text Xml
+Options           Sources/Options            : Text Tool
 Module            Sources/Module             : Headers Platform ExceptionBarrier Diagnostics Text HostFiles Tool Writers
 FenrikCmd         Tools/FenrikCmd            : Platform
-biosconfig        Tools/biosconfig           : Headers Platform Diagnostics/DebugConfCheck.h
+biosconfig        Tools/biosconfig           : Headers Platform Text Tool Options Diagnostics/DebugConfCheck.h
 HostExample       Docs                       : Headers
 TestSupport       Tests/Support              : Headers Platform Diagnostics
 WriterTests       Tests/Writers              : Headers Platform Diagnostics Writers TestSupport
-Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Writers Module TestSupport
+Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Options Writers Module TestSupport
 Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module TestSupport WriterTests
 Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikCmd HostFiles Tool Writers Module
 TABLE
@@ -34,7 +35,7 @@ TABLE
 # LIBRARY, how its headers begin, and the files that may include them (one pattern).
 read -r -d '' libraries_table <<'TABLE' || true
 libxml2        libxml/     ^(Sources/Xml|Tools/(biosconfig|FenrikCmd)|Tests|Benchmarks|Fuzzing)/
-nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/JSONText\.cpp:)|Tools/FenrikCmd/|Tests/|Benchmarks/|Fuzzing/)
+nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/JSONText\.cpp:)|Tools/(biosconfig|FenrikCmd)/|Tests/|Benchmarks/|Fuzzing/)
 CLI11          CLI/        ^Tools/(biosconfig|FenrikCmd)/
 GoogleTest     gtest/      ^Tests/
 benchmark      benchmark/  ^Benchmarks/
@@ -50,7 +51,7 @@ system_macros='_WIN(32|64)|WIN32|_MSC_VER|__MINGW|__(linux|unix|APPLE|GLIBC)__|_
 
 # The tests' share of the code that they test, in percent.
 least_share=22
-largest_share=36
+largest_share=33
 
 failures=0
 fail() { echo "$1" >&2; failures=$((failures + 1)); }

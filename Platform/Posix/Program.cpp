@@ -11,6 +11,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -35,7 +36,7 @@ struct Removed
     char path[PATH_MAX];
     volatile std::sig_atomic_t isUsed;
 };
-std::array<Removed, 4> removedFiles;
+std::array<Removed, 8> removedFiles;
 
 // What the handler of the signals calls may use only what is allowed there: no memory of the heap, no lock.
 
@@ -145,7 +146,7 @@ RemovedWhenInterrupted::~RemovedWhenInterrupted()
         removedFiles[m_place].isUsed = 0;
 }
 
-Worker::Worker(char *const *arguments, std::FILE *output)
+Worker::Worker(char *const *arguments, std::FILE *output, std::FILE *messages)
 {
     // Its exit code is wanted, whatever this process has inherited.
     std::signal(SIGCHLD, SIG_DFL);
@@ -153,7 +154,9 @@ Worker::Worker(char *const *arguments, std::FILE *output)
     if (posix_spawn_file_actions_init(&actions) != 0)
         return;
     pid_t child = 0;
-    if ((!output || posix_spawn_file_actions_adddup2(&actions, fileno(output), STDOUT_FILENO) == 0) &&
+    const auto leads = [&](std::FILE *stream, int descriptor)
+    { return !stream || posix_spawn_file_actions_adddup2(&actions, fileno(stream), descriptor) == 0; };
+    if (leads(output, STDOUT_FILENO) && leads(messages, STDERR_FILENO) &&
         posix_spawn(&child, "/proc/self/exe", &actions, nullptr, arguments, environ) == 0)
         m_system = child;
     posix_spawn_file_actions_destroy(&actions);
@@ -197,6 +200,45 @@ ConsoleInUtf8::ConsoleInUtf8() = default;
 ConsoleInUtf8::~ConsoleInUtf8()
 {
     static_cast<void>(m_before); // a terminal takes bytes as they come
+}
+
+void OccupyStandardStreams()
+{
+    // Each open takes the lowest number that is free. Read-only for output, and the other way round: nothing comes of
+    // using them.
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    {
+        if (fcntl(descriptor, F_GETFD) == -1 && open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY) == -1)
+            return;
+    }
+}
+
+bool IsTerminal(std::FILE *stream)
+{
+    return isatty(fileno(stream)) == 1;
+}
+
+std::size_t TerminalColumns(std::FILE *stream)
+{
+    winsize size = {};
+    return ioctl(fileno(stream), TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+bool EnableEscapeSequences(std::FILE *stream)
+{
+    std::string terminal;
+    return IsTerminal(stream) && ReadEnvironmentVariable("TERM", terminal) && terminal != "dumb";
+}
+
+std::string MachineName()
+{
+    std::array<char, HOST_NAME_MAX + 1> name = {};
+    return gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
+bool IsExecutable(const std::string &path)
+{
+    return access(ToFilesystemPath(path).c_str(), X_OK) == 0;
 }
 
 bool IsDirectory(const std::string &path)

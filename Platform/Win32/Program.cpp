@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <io.h>
+#include <memory>
 #include <windows.h>
 
 namespace Platform
@@ -24,7 +25,7 @@ struct Removed
     std::FILE *stream;
     volatile bool isUsed;
 };
-std::array<Removed, 4> removedFiles;
+std::array<Removed, 8> removedFiles;
 
 /// Of the worker that runs, for the thread that is told of Ctrl-C.
 HANDLE workerJob = nullptr;
@@ -91,6 +92,21 @@ HANDLE InheritedHandle(DWORD which)
     return handle;
 }
 
+struct CloseSystemHandle
+{
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using HandleOwner = std::unique_ptr<void, CloseSystemHandle>;
+
+/// A second handle of what `stream` leads to, which a child inherits; null when there is none.
+HANDLE InheritableCopy(std::FILE *stream)
+{
+    HANDLE copy = nullptr;
+    const HANDLE process = GetCurrentProcess();
+    DuplicateHandle(process, HandleOf(stream), process, &copy, 0, TRUE, DUPLICATE_SAME_ACCESS);
+    return copy;
+}
+
 bool IsConsole(DWORD which)
 {
     DWORD mode = 0;
@@ -137,7 +153,7 @@ RemovedWhenInterrupted::~RemovedWhenInterrupted()
         removedFiles[m_place].isUsed = false;
 }
 
-Worker::Worker(char *const * /*arguments*/, std::FILE *output)
+Worker::Worker(char *const * /*arguments*/, std::FILE *output, std::FILE *messages)
 {
     std::array<wchar_t, kLongestPath> program = {};
     const DWORD length = GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
@@ -147,18 +163,16 @@ Worker::Worker(char *const * /*arguments*/, std::FILE *output)
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = InheritedHandle(STD_INPUT_HANDLE);
-    startup.hStdError = InheritedHandle(STD_ERROR_HANDLE);
-    HANDLE copy = nullptr;
-    if (output && !DuplicateHandle(GetCurrentProcess(), HandleOf(output), GetCurrentProcess(), &copy, 0, TRUE,
-                                   DUPLICATE_SAME_ACCESS))
+    const HandleOwner outputCopy(output ? InheritableCopy(output) : nullptr);
+    const HandleOwner messagesCopy(messages ? InheritableCopy(messages) : nullptr);
+    if ((output && !outputCopy) || (messages && !messagesCopy))
         return;
-    startup.hStdOutput = output ? copy : InheritedHandle(STD_OUTPUT_HANDLE);
+    startup.hStdOutput = output ? outputCopy.get() : InheritedHandle(STD_OUTPUT_HANDLE);
+    startup.hStdError = messages ? messagesCopy.get() : InheritedHandle(STD_ERROR_HANDLE);
     PROCESS_INFORMATION child = {};
     // The arguments as they came; the worker runs when it is in the job, and all that it starts is, too.
     const BOOL started = CreateProcessW(program.data(), GetCommandLineW(), nullptr, nullptr, TRUE, CREATE_SUSPENDED,
                                         nullptr, nullptr, &startup, &child);
-    if (copy)
-        CloseHandle(copy);
     if (!started)
         return;
     workerJob = MakeEndingJob();
@@ -215,6 +229,41 @@ ConsoleInUtf8::~ConsoleInUtf8()
     codePageBefore = 0;
     if (m_before != 0)
         SetConsoleOutputCP(m_before);
+}
+
+void OccupyStandardStreams() {}
+
+bool IsTerminal(std::FILE *stream)
+{
+    DWORD mode = 0;
+    return GetConsoleMode(HandleOf(stream), &mode) != 0;
+}
+
+std::size_t TerminalColumns(std::FILE *stream)
+{
+    CONSOLE_SCREEN_BUFFER_INFO info = {};
+    if (!GetConsoleScreenBufferInfo(HandleOf(stream), &info))
+        return 0;
+    return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+}
+
+bool EnableEscapeSequences(std::FILE *stream)
+{
+    const HANDLE console = HandleOf(stream);
+    DWORD mode = 0;
+    return GetConsoleMode(console, &mode) && SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+std::string MachineName()
+{
+    std::array<char, MAX_COMPUTERNAME_LENGTH + 1> name = {};
+    DWORD size = static_cast<DWORD>(name.size());
+    return GetComputerNameA(name.data(), &size) ? name.data() : "";
+}
+
+bool IsExecutable(const std::string &path)
+{
+    return OpenStream(path, "rb") != nullptr;
 }
 
 bool IsDirectory(const std::string &path)

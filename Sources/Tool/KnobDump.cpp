@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr const char *kDumpFile = "FenrikOutput.xml";
+constexpr const char *kPendingValue = "PendingVal";
 
 /// The tool's own entry for its security device; not a BIOS option.
 constexpr const char *kHiddenKnob = "TpmDevice";
@@ -81,11 +82,11 @@ void RemoveLineFeedsAndTabs(std::string &text)
     text.resize(static_cast<std::size_t>(out - text.data()));
 }
 
-/// The text of the tool's dump; empty when there is none.
-std::string ReadDump()
+/// The text of a dump; empty when there is none.
+std::string ReadDump(const std::string &file)
 {
     std::string text;
-    Platform::ReadTextFile(toolDirectory + kDumpFile, text);
+    Platform::ReadTextFile(file, text);
     return text;
 }
 
@@ -101,23 +102,23 @@ CCXmlDocumentOwner ParseText(std::string text, CCXmlRecovery &recovery)
 }
 
 /// The line where the dump is damaged. As a rule it is so with its line feeds, too, and then they are counted.
-std::int32_t DamagedLine(const CCXmlRecovery &withoutLineFeeds)
+std::int32_t DamagedLine(const std::string &file, const CCXmlRecovery &withoutLineFeeds)
 {
     CCXmlRecovery asItIs;
-    ParseText(ReadDump(), asItIs);
+    ParseText(ReadDump(file), asItIs);
     return asItIs.damaged ? asItIs.line : withoutLineFeeds.line;
 }
 
 /// Parses the dump without its line feeds and tabs, which carry no meaning, also inside attribute values. Its text is
 /// gone again when the tree is walked.
-CCXmlDocumentOwner ParseDump(std::int32_t &damagedLine)
+CCXmlDocumentOwner ParseDump(const std::string &file, std::int32_t &damagedLine)
 {
-    std::string text = ReadDump();
+    std::string text = ReadDump(file);
     RemoveLineFeedsAndTabs(text);
     CCXmlRecovery recovery;
     CCXmlDocumentOwner document = ParseText(std::move(text), recovery);
     if (document && recovery.damaged)
-        damagedLine = DamagedLine(recovery);
+        damagedLine = DamagedLine(file, recovery);
     return document;
 }
 
@@ -166,27 +167,40 @@ xmlNodePtr FindKnobs(xmlNodePtr root)
     return child;
 }
 
-/// Takes a node of the dump for a knob, if it is one.
-void CollectKnob(xmlNodePtr node, KnobList &knobs)
+/// Takes a node of the dump for a knob; null when it is none.
+const KnobDetails *CollectKnob(xmlNodePtr node, KnobList &knobs)
 {
     if (HasName(node, "comment"))
-        return;
-    const Status status = getknobDetails(node, knobs.Append());
+        return nullptr;
+    KnobDetails &record = knobs.Append();
+    const Status status = getknobDetails(node, record);
     if (status == StatusCode::NoMemory)
         throw std::bad_alloc();
-    if (status != StatusCode::Success)
-        knobs.RemoveLast();
+    if (status == StatusCode::Success)
+        return &record;
+    knobs.RemoveLast();
+    return nullptr;
+}
+
+/// What a dump tells of a knob beyond its record, for those that ask for it.
+void CollectFurther(xmlNodePtr node, const KnobDetails &knob, FurtherDetails &further)
+{
+    const CCXmlValueOwner pending = CCXmlReadAttribute(node, kPendingValue);
+    if (pending)
+        further[&knob].pendingValue = pending.get();
 }
 
 /// Turns the dump's knobs into records. Each knob's part of the tree is freed as soon as it has been read, while it is
 /// still in the cache.
-KnobList CollectKnobs(xmlNodePtr knobsNode)
+KnobList CollectKnobs(xmlNodePtr knobsNode, FurtherDetails *further = nullptr)
 {
     KnobList knobs;
     xmlNodePtr node = CCXmlGetNextNodeChild(knobsNode, nullptr);
     while (node)
     {
-        CollectKnob(node, knobs);
+        const KnobDetails *const knob = CollectKnob(node, knobs);
+        if (knob && further)
+            CollectFurther(node, *knob, *further);
         const xmlNodePtr next = CCXmlGetNextNodeChild(knobsNode, node);
         CCXmlFreeNode(node);
         node = next;
@@ -232,12 +246,26 @@ Status CheckRoot(xmlDocPtr document, xmlNodePtr &root, FunctionTrace &trace)
     return StatusCode::Success;
 }
 
+DumpOutcome ReadDumpFile(const std::string &file, KnobList &knobs, FurtherDetails &further, std::int32_t &damagedLine)
+{
+    if (!Platform::OpenStream(file, "rb"))
+        return DumpOutcome::Unreadable;
+    const CCXmlQuiet quiet;
+    const CCXmlDocumentOwner document = ParseDump(file, damagedLine);
+    const xmlNodePtr root = CCXmlGetRootElement(document.get());
+    if (!root || !HasName(root, "SYSTEM"))
+        return DumpOutcome::NoDump;
+    KnobList all = CollectKnobs(FindKnobs(root), &further);
+    knobs.Swap(all);
+    return knobs.IsEmpty() ? DumpOutcome::NoKnobs : DumpOutcome::Read;
+}
+
 Status ReadDumpedKnobs(KnobList &knobs, const std::string &listFile, const std::vector<std::string> &names,
                        std::int32_t &damagedLine, FunctionTrace &trace)
 {
     const CCXmlBracket bracket;
     const CCXmlQuiet quiet;
-    const CCXmlDocumentOwner document = ParseDump(damagedLine);
+    const CCXmlDocumentOwner document = ParseDump(toolDirectory + kDumpFile, damagedLine);
     if (!document)
         return trace.Fail(StatusCode::Failed, "readKnob - Doc Pointer is NULL\n");
     xmlNodePtr root = nullptr;
@@ -280,6 +308,24 @@ Status readKnob(KnobList &knobs, const std::string &listFile, std::int32_t *dama
     if (damagedLine)
         *damagedLine = line;
     return trace.Done(status);
+}
+
+DumpOutcome readDump(const std::string &file, KnobList &knobs, FurtherDetails &further, std::int32_t &damagedLine)
+{
+    damagedLine = 0;
+    DumpOutcome outcome = DumpOutcome::NoMemory;
+    WithoutExceptions(
+        [&]
+        {
+            outcome = ReadDumpFile(file, knobs, further, damagedLine);
+            return StatusCode::Success;
+        });
+    return outcome;
+}
+
+std::string toolDumpFile(const std::string &directory)
+{
+    return directory + kDumpFile;
 }
 
 Status getknobDetails(xmlNodePtr knobNode, KnobDetails &record)

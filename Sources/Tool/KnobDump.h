@@ -4,7 +4,9 @@
 #include "StatusCode.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <unordered_map>
 
 struct _xmlNode;
 
@@ -22,3 +24,31 @@ Status readKnob(KnobList &knobs, const std::string &listFile, std::int32_t *dama
 
 /// Fills a fresh record from a node of the dump. Returns Success; Failed when the node is no usable knob; NoMemory.
 Status getknobDetails(_xmlNode *knobNode, KnobDetails &record);
+
+/// What a dump may tell of a knob beyond its record; texts are UTF-8.
+struct KnobExtras
+{
+    /// The value that becomes current with the next restart, as CurrentVal has it.
+    std::optional<std::string> pendingValue;
+};
+/// For the knobs of which it tells something. Refers to the records of a list.
+using FurtherDetails = std::unordered_map<const KnobDetails *, KnobExtras>;
+
+enum class DumpOutcome
+{
+    Read,
+    /// The file could not be opened.
+    Unreadable,
+    /// Not XML, or with a root element of another name.
+    NoDump,
+    NoKnobs,
+    NoMemory
+};
+
+/// Reads a dump from a file, whoever made it, with no tool started and no trace written. `knobs` is replaced; where
+/// nothing could be read it keeps its content, but for NoKnobs, which empties it. `damagedLine` as for readKnob: a dump
+/// that is not well-formed counts as read, as far as it could be.
+DumpOutcome readDump(const std::string &file, KnobList &knobs, FurtherDetails &further, std::int32_t &damagedLine);
+
+/// The dump that the tool in `directory` (with final separator) makes for this library. May throw std::bad_alloc.
+std::string toolDumpFile(const std::string &directory);

@@ -40,15 +40,24 @@ void MakeRoom(AssignmentTable &assignments)
 
 } // namespace
 
+TemplateRecord TakeRecord(std::string_view &text)
+{
+    std::string_view record = TakeUpTo(';', text);
+    TemplateRecord taken;
+    taken.isAssignment = record.find('=') != std::string_view::npos;
+    taken.assignment.name = TakeUpTo('=', record);
+    taken.assignment.value = TakeUpTo('\n', record);
+    taken.rest = record;
+    return taken;
+}
+
 AssignmentTable SplitTemplate(std::string_view text)
 {
     AssignmentTable assignments;
     while (!text.empty())
     {
-        std::string_view record = TakeUpTo(';', text);
-        const std::string_view name = TakeUpTo('=', record);
         MakeRoom(assignments);
-        assignments.push_back({name, TakeUpTo('\n', record)});
+        assignments.push_back(TakeRecord(text).assignment);
     }
     SortAndDropRepeated(assignments);
     return assignments;

@@ -53,6 +53,19 @@ std::string ToolCommand(const std::string &command, const std::string &file)
     return ToolCommand(command) + ' ' + Quoted(file);
 }
 
+std::string toolProgram(const std::string &directory)
+{
+    return directory + kToolProgram;
+}
+
+ToolRun runTool(const std::string &directory, const std::string &command, const std::string &file)
+{
+    ToolRun run;
+    const std::string argument = file.empty() ? "" : ' ' + Quoted(file);
+    run.isStarted = Platform::RunCommand(Quoted(toolProgram(directory)) + ' ' + command + argument, run.exitCode);
+    return run;
+}
+
 Status GetEnvironmentalVaribaleBiosLib(std::string variableName, std::string &path)
 {
     return WithoutExceptions(

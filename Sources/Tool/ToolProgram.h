@@ -3,6 +3,7 @@
 #include "StatusCode.h"
 #include "TraceSource.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,22 @@ Status getOutFolder(std::string &folder);
 
 /// Whether a path can stand in a command line of the tool: it holds no double-quote character and no NUL.
 bool isPassableToTool(std::string_view path);
+
+/// One run of the tool, for those who tell a user of it.
+struct ToolRun
+{
+    /// Whether the program could be started.
+    bool isStarted = false;
+    /// As Platform::RunCommand gives it.
+    std::uint32_t exitCode = 0;
+};
+
+/// The path of the tool's program in `directory` (with final separator). May throw std::bad_alloc.
+std::string toolProgram(const std::string &directory);
+
+/// Runs `command` of the tool in `directory`, with `file` as its argument unless that is empty. Leaves the library's
+/// state alone and writes no traces. May throw std::bad_alloc.
+ToolRun runTool(const std::string &directory, const std::string &command, const std::string &file);
 
 // For the other files of the library.
 

@@ -108,8 +108,10 @@ void WriteChoices(XmlDocument &document, const Knob &knob, const std::string &cu
     document.End();
 }
 
-void WriteKnob(XmlDocument &document, const Knob &knob, const std::string &currentValue)
+void WriteKnob(XmlDocument &document, const Knob &knob, const Firmware &firmware)
 {
+    const std::string &currentValue = CurrentValue(firmware, knob);
+    const auto pending = firmware.pending.find(knob.name);
     const KindNames &kind = kKindNames[static_cast<std::size_t>(knob.kind)];
     document.Start("knob");
     document.Attribute("type", kind.type);
@@ -125,6 +127,8 @@ void WriteKnob(XmlDocument &document, const Knob &knob, const std::string &curre
     document.Attribute("SetupPgPtr", knob.page);
     document.Attribute("default", knob.defaultValue);
     document.Attribute("CurrentVal", currentValue);
+    if (pending != firmware.pending.end())
+        document.Attribute("PendingVal", pending->second);
     if (!knob.choices.empty())
         WriteChoices(document, knob, currentValue);
     document.End();
@@ -154,7 +158,7 @@ bool WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &s
         if (knob.page != page)
             document.Comment("Setup page: " + knob.page);
         page = knob.page;
-        WriteKnob(document, knob, CurrentValue(firmware, knob));
+        WriteKnob(document, knob, firmware);
     }
     return document.Finish();
 }

@@ -70,8 +70,9 @@ RecordedError ReadError(xmlNode *element)
     return error;
 }
 
-/// Every error in the file. None for a file that is not well-formed XML: the module starts such a one anew.
-std::vector<RecordedError> ReadErrors(const std::string &path)
+} // namespace
+
+std::vector<RecordedError> ReadRecordedErrors(const std::string &path)
 {
     std::vector<RecordedError> errors;
     std::string text;
@@ -91,13 +92,11 @@ std::vector<RecordedError> ReadErrors(const std::string &path)
     return errors;
 }
 
-} // namespace
-
-ErrorFileWatch::ErrorFileWatch(std::string path) : m_path(std::move(path)), m_known(ReadErrors(m_path).size()) {}
+ErrorFileWatch::ErrorFileWatch(std::string path) : m_path(std::move(path)), m_known(ReadRecordedErrors(m_path).size()) {}
 
 std::vector<RecordedError> ErrorFileWatch::NewErrors() const
 {
-    std::vector<RecordedError> errors = ReadErrors(m_path);
+    std::vector<RecordedError> errors = ReadRecordedErrors(m_path);
     const auto known = static_cast<std::ptrdiff_t>(std::min(m_known, errors.size()));
     errors.erase(errors.begin(), errors.begin() + known);
     return errors;

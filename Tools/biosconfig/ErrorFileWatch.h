@@ -14,6 +14,9 @@ struct RecordedError
     std::string line;
 };
 
+/// Every error that is recorded in the file at `path`, oldest first. None for a file that is not well-formed XML.
+std::vector<RecordedError> ReadRecordedErrors(const std::string &path);
+
 /// Tells the errors that are recorded in an error file while it is watched from those of earlier runs.
 class ErrorFileWatch
 {

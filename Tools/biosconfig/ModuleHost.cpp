@@ -42,14 +42,14 @@ ParameterMap Parameters(const std::string &toolDirectory)
 ModuleHost::ModuleHost(const std::string &path) : m_library(FullPath(path), m_loadError), m_module(nullptr, nullptr)
 {
     if (!m_library)
-        throw Failure(ExitCode::NoModule, "cannot load the module: " + m_loadError);
+        throw Failure(ExitCode::NotFound, "cannot load the module: " + m_loadError);
     auto *const create = m_library.Find<decltype(CreateBiosConfigModule)>("CreateBiosConfigModule");
     auto *const destroy = m_library.Find<Destroy>("DestroyBiosConfigModule");
     if (!create || !destroy)
-        throw Failure(ExitCode::NoModule, path + " is not a BIOS configuration module: it lacks the module's exports");
+        throw Failure(ExitCode::Unexpected, path + " is not a BIOS configuration module: it lacks the module's exports");
     m_module = {create(), destroy};
     if (!m_module)
-        throw Failure(ExitCode::NoModule, "the module could not create its object");
+        throw Failure(ExitCode::Unexpected, "the module could not create its object");
 }
 
 ModuleHost::~ModuleHost()
@@ -65,7 +65,7 @@ void ModuleHost::Initialise(const std::string &toolDirectory)
     for (Cap *const capability : capabilities)
         m_capabilities.emplace_back(capability);
     if (status != StatusCode::Success)
-        throw Failure(ExitCode::NotReady, "the module does not accept the tool directory " + toolDirectory +
+        throw Failure(ExitCode::Unexpected, "the module does not accept the tool directory " + toolDirectory +
                                               " (InitModule: " + Describe(status) + ")");
 }
 
@@ -84,25 +84,22 @@ std::string ModuleHost::Report(const std::string &option, OutputKind kind)
     std::string report;
     const Status status = m_module->GetData(option.c_str(), &kind, &report);
     if (status != StatusCode::Success)
-        throw Failure(ExitCode::NotDone, "the module made no report (GetData: " + Describe(status) + ")");
+        throw Failure(ExitCode::Unexpected, "the module made no report (GetData: " + Describe(status) + ")");
     return report;
 }
 
-void ModuleHost::UpdateSettings(const std::string &templatePath, const std::string &toolDirectory,
-                                std::string &messageLine)
+std::string ModuleHost::UpdateSettings(const std::string &templatePath, const std::string &toolDirectory)
 {
     auto *const update = m_library.Find<decltype(UpdateBiosSettings)>("UpdateBiosSettings");
     if (!update)
-        throw Failure(ExitCode::NoModule, "the module does not offer updates");
+        throw Failure(ExitCode::Unexpected, "the module does not offer updates");
     std::string message;
     const Status status = update(templatePath, message, Parameters(toolDirectory));
-    if (status == StatusCode::Success || !message.empty())
-        messageLine = message + "\n";
     if (status == StatusCode::Success)
-        return;
-    const char *const hint = message.empty() ? "; it takes a template with txt or ini behind the first \".\" of its "
-                                               "name, and no quotation mark in its path"
-                                             : "";
-    throw Failure(ExitCode::NotDone,
-                  "the settings were not updated (UpdateBiosSettings: " + Describe(status) + ")" + hint);
+        return message;
+    // Those that are the tool's; all others are the module's own.
+    const bool isOfTool = status == StatusCode::NotFound || status == StatusCode::ToolFailed;
+    throw Failure(isOfTool ? ExitCode::ToolFailed : ExitCode::Unexpected,
+                  (message.empty() ? "the settings were not updated" : message) + " (UpdateBiosSettings: " +
+                      Describe(status) + ")");
 }

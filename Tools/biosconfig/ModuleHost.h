@@ -21,6 +21,8 @@ public:
     /// module refuses.
     void Initialise(const std::string &toolDirectory);
 
+    std::string Name() const { return m_module->GetModuleName(); }
+
     const std::vector<std::unique_ptr<Cap>> &Capabilities() const { return m_capabilities; }
 
     /// Whether a capability has the name `option`; "all" stands for the first one and is always offered.
@@ -29,10 +31,9 @@ public:
     /// The report of `option`, empty when the module made none. Throws Failure when the module gives a failure status.
     std::string Report(const std::string &option, OutputKind kind);
 
-    /// Has the BIOS options programmed that the template assigns, by a module object of the module's own. Stores the
-    /// module's message as a line, also when it throws; none when the module gave none. Throws Failure for any status
-    /// but success and when the module does not offer updates.
-    void UpdateSettings(const std::string &templatePath, const std::string &toolDirectory, std::string &messageLine);
+    /// Has the BIOS options programmed that the template assigns, by a module object of the module's own. Gives the
+    /// module's message. Throws Failure for any status but success and when the module does not offer updates.
+    std::string UpdateSettings(const std::string &templatePath, const std::string &toolDirectory);
 
 private:
     using Destroy = decltype(DestroyBiosConfigModule);

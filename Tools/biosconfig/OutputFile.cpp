@@ -8,7 +8,7 @@ namespace
 void WriteAll(std::FILE *stream, std::string_view data, const std::string &name)
 {
     if (std::fwrite(data.data(), 1, data.size(), stream) != data.size() || std::fflush(stream) != 0)
-        throw Failure(ExitCode::NotWritten, "cannot write everything to " + name);
+        throw Failure(ExitCode::Unexpected, "cannot write everything to " + name);
 }
 
 } // namespace
@@ -24,7 +24,7 @@ OutputFile::OutputFile(const std::string &path)
     else
         isOpen = (m_direct = Platform::OpenStream(m_path, "wb")) != nullptr;
     if (!isOpen)
-        throw Failure(ExitCode::NotWritten, "cannot write the output file " + path);
+        throw Failure(ExitCode::Unexpected, "cannot write the output file " + path);
     if (m_replaced && !m_replaced->BesidePath().empty())
         m_removed.emplace(m_replaced->BesidePath(), m_replaced->Stream());
 }
@@ -44,6 +44,6 @@ void OutputFile::Write(std::string_view data)
 void OutputFile::Commit()
 {
     if (m_replaced && !m_replaced->Commit())
-        throw Failure(ExitCode::NotWritten, "cannot replace the output file " + m_path);
+        throw Failure(ExitCode::Unexpected, "cannot replace the output file " + m_path);
     m_removed.reset();
 }

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "KnobDump.h"
+#include "KnobList.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+/// BIOS options as people ask for them. All texts are UTF-8, as the dump has them, and views into what the table owns.
+/// Nothing here reads or writes anything. May throw std::bad_alloc.
+
+enum class OptionKind
+{
+    OneOf,
+    CheckBox,
+    Number,
+    Text,
+    /// The dump does not say, or something else.
+    Unknown
+};
+
+/// The word for a kind: "choice", "checkbox", "number", "text", "unknown".
+std::string_view KindName(OptionKind kind);
+
+/// One of the values that an option can take.
+struct OptionChoice
+{
+    std::string_view text;
+    /// A hexadecimal number.
+    std::string_view value;
+};
+
+/// One BIOS option. A value is what the dump has: a hexadecimal number, or the text of a text option; empty where the
+/// dump has none.
+struct BiosOption
+{
+    std::string_view name;
+    std::string_view prompt;
+    std::string_view help;
+    /// The setup page, its parts joined by "/".
+    std::string_view page;
+    OptionKind kind = OptionKind::Unknown;
+    /// By their numbers. Empty where the dump lists none.
+    std::vector<OptionChoice> choices;
+    /// In bytes, of the number or of the longest text; 0 where the dump does not say.
+    std::uint64_t size = 0;
+    /// When the option can be changed, in the firmware's own words.
+    std::string_view condition;
+    std::string_view defaultValue;
+    std::string_view currentValue;
+    /// The value that waits for a restart; nothing where the dump tells of none.
+    std::optional<std::string_view> pendingValue;
+    /// Whether the current value is another one than the default, where the dump tells of one.
+    bool isChanged = false;
+    /// The values are not to be shown, and may have been taken out (Redaction.h).
+    bool isRedacted = false;
+};
+
+/// The options of one machine in the order of its dump. Not copied; moving it keeps the options where they are.
+class OptionTable
+{
+public:
+    OptionTable() = default;
+    OptionTable(KnobList &&knobs, const FurtherDetails &further);
+    OptionTable(OptionTable &&) = default;
+    OptionTable &operator=(OptionTable &&) = delete;
+
+    const std::vector<BiosOption> &Options() const { return m_options; }
+    std::vector<BiosOption> &Options() { return m_options; }
+
+    /// The first option of that name, or null. The first call costs a walk over the table.
+    const BiosOption *Find(std::string_view name) const;
+
+    /// The name that comes nearest to `name`, which the table does not have; empty where none is near. Letters that
+    /// differ in case alone are near. A walk over the table.
+    std::string_view NearestName(std::string_view name) const;
+
+private:
+    KnobList m_knobs;
+    /// Values that the records do not have; by their options' records.
+    FurtherDetails m_further;
+    std::vector<BiosOption> m_options;
+    mutable std::unordered_map<std::string_view, const BiosOption *> m_index;
+};
+
+/// Which of `words` comes nearest to `wanted`; empty where none is near.
+std::string_view Nearest(std::string_view wanted, const std::vector<std::string_view> &words);

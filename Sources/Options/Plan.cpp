@@ -1,0 +1,178 @@
+#include "Plan.h"
+
+#include "OptionValue.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+
+namespace
+{
+
+/// A nearest name takes a walk over all options; for more findings than this there is none.
+constexpr int kMostNearestNames = 20;
+
+/// The value that the option has, or will have behind the restart.
+std::string_view EffectiveValue(const BiosOption &option)
+{
+    return option.pendingValue.value_or(option.currentValue);
+}
+
+/// Makes one plan.
+class Planner
+{
+public:
+    Planner(const OptionTable &table, TemplateContent content, TemplateKind kind)
+        : m_table(table), m_content(std::move(content)), m_kind(kind)
+    {
+        m_plan.findings = std::move(m_content.findings);
+    }
+
+    Plan Make()
+    {
+        m_plan.changes.reserve(m_content.assignments.size());
+        for (const TemplateAssignment &assignment : m_content.assignments)
+            Take(assignment);
+        for (const PlannedChange &change : m_plan.changes)
+            CheckCondition(change);
+        if (m_plan.IsSound() && m_plan.ToDo() == 0)
+            Add(Severity::Note, {}, "nothing-to-do",
+                m_plan.changes.empty() ? "nothing is assigned" : "every option has its value already");
+        std::stable_sort(m_plan.findings.begin(), m_plan.findings.end(),
+                         [](const Finding &left, const Finding &right) { return left.place.line < right.place.line; });
+        return std::move(m_plan);
+    }
+
+private:
+    void Add(Severity severity, const TemplateAssignment &assignment, std::string_view code, std::string message)
+    {
+        m_plan.findings.push_back(
+            {severity, assignment.place, std::string(assignment.name), code, std::move(message)});
+    }
+
+    void Take(const TemplateAssignment &assignment)
+    {
+        const BiosOption *const option = m_table.Find(assignment.name);
+        if (!option)
+            return Add(Severity::Error, assignment, "unknown-option", UnknownText(assignment.name));
+        JudgedValue judged = JudgeValue(*option, assignment.value);
+        if (!judged.problem.empty())
+            return Add(Severity::Error, assignment, "invalid-value", judged.problem);
+        const auto [earlier, isFirst] = m_first.emplace(assignment.name, m_plan.changes.size());
+        if (!isFirst)
+            return TakeAgain(assignment, *option, judged, m_plan.changes[earlier->second]);
+        const bool isToDo = !IsSameValue(*option, judged.inDump, EffectiveValue(*option));
+        m_plan.changes.push_back(
+            {option, std::move(judged.forTool), std::move(judged.inDump), isToDo, assignment.place});
+    }
+
+    void TakeAgain(const TemplateAssignment &assignment, const BiosOption &option, const JudgedValue &judged,
+                   const PlannedChange &first)
+    {
+        const bool isSame = IsSameValue(option, judged.inDump, first.newValue);
+        const std::string where = first.place.line == 0 ? "" : " (line " + std::to_string(first.place.line) + ")";
+        const bool isError = m_kind == TemplateKind::KnobFile || !isSame;
+        Add(isError ? Severity::Error : Severity::Warning, assignment, "assigned-twice",
+            isSame ? "the option is assigned a second time" + where
+                   : "the option was assigned another value before" + where);
+    }
+
+    std::string UnknownText(std::string_view name)
+    {
+        const std::string_view nearest = m_nearestNames++ < kMostNearestNames ? m_table.NearestName(name) : "";
+        return "there is no option \"" + std::string(name) + "\"" +
+               (nearest.empty() ? "" : "; did you mean \"" + std::string(nearest) + "\"?");
+    }
+
+    /// The conditions are about the values behind the update.
+    void CheckCondition(const PlannedChange &change)
+    {
+        const auto valueOf = [&](std::string_view name) -> std::optional<std::uint64_t>
+        {
+            const BiosOption *const option = m_table.Find(name);
+            const auto planned = m_first.find(name);
+            if (!option)
+                return std::nullopt;
+            return DumpNumber(planned == m_first.end() ? EffectiveValue(*option)
+                                                       : std::string_view(m_plan.changes[planned->second].newValue));
+        };
+        if (!change.isToDo || IsConditionMet(change.option->condition, valueOf) != false)
+            return;
+        m_plan.findings.push_back(
+            {Severity::Warning, change.place, std::string(change.option->name), "condition-not-met",
+             "the option's condition is not met, so the value may have no effect: " +
+                 std::string(change.option->condition)});
+    }
+
+    const OptionTable &m_table;
+    TemplateContent m_content;
+    TemplateKind m_kind;
+    Plan m_plan;
+    /// By name, the place of its change.
+    std::unordered_map<std::string_view, std::size_t> m_first;
+    int m_nearestNames = 0;
+};
+
+} // namespace
+
+bool Plan::IsSound() const
+{
+    return std::none_of(findings.begin(), findings.end(),
+                        [](const Finding &finding) { return finding.severity == Severity::Error; });
+}
+
+std::size_t Plan::ToDo() const
+{
+    return static_cast<std::size_t>(
+        std::count_if(changes.begin(), changes.end(), [](const PlannedChange &change) { return change.isToDo; }));
+}
+
+Plan MakePlan(const OptionTable &table, TemplateContent content, TemplateKind kind)
+{
+    return Planner(table, std::move(content), kind).Make();
+}
+
+Plan PlanDefaults(std::span<const BiosOption *const> options)
+{
+    Plan plan;
+    for (const BiosOption *const option : options)
+    {
+        const std::optional<std::string> forTool = WritableValue(*option, option->defaultValue);
+        if (IsSameValue(*option, option->defaultValue, EffectiveValue(*option)))
+            plan.changes.push_back({option, "", std::string(option->defaultValue), false, {}});
+        else if (forTool)
+            plan.changes.push_back({option, *forTool, std::string(option->defaultValue), true, {}});
+        else
+            plan.findings.push_back({Severity::Error, {}, std::string(option->name), "invalid-value",
+                                     "the default cannot be handed to the tool"});
+    }
+    return plan;
+}
+
+std::string_view VerdictName(Verdict verdict)
+{
+    constexpr std::string_view kNames[] = {"pending restart", "in effect", "unchanged", "rejected", "mismatch"};
+    return kNames[static_cast<std::size_t>(verdict)];
+}
+
+Verdict Verify(const PlannedChange &change, const OptionTable &after, bool tellsPending)
+{
+    const BiosOption *const option = after.Find(change.option->name);
+    if (!option)
+        return Verdict::Mismatch;
+    const auto isNew = [&](std::string_view value) { return IsSameValue(*option, value, change.newValue); };
+    if (option->pendingValue)
+        return isNew(*option->pendingValue) ? Verdict::PendingRestart : Verdict::Mismatch;
+    if (isNew(option->currentValue))
+        return change.isToDo ? Verdict::InEffect : Verdict::Unchanged;
+    if (!IsSameValue(*option, option->currentValue, change.option->currentValue))
+        return Verdict::Mismatch;
+    return tellsPending ? Verdict::Rejected : Verdict::PendingRestart;
+}
+
+bool TellsPending(const OptionTable &table)
+{
+    return std::any_of(table.Options().begin(), table.Options().end(),
+                       [](const BiosOption &option) { return option.pendingValue.has_value(); });
+}

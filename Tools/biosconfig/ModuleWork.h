@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Arguments.h"
+
+#include <string>
+
+/// What is done through the module, as any host would do it.
+
+/// Makes the report, or the list of capabilities, and writes it; `commandLine` is what main was given. Messages and the
+/// errors that the module records go to standard error. Throws Failure where nothing could be done.
+ExitCode ReportOrCapabilities(const Arguments &arguments, char *const *commandLine);
+
+// What a worker does.
+
+/// The whole of that, with a time limit.
+ExitCode ReportInWorker(const Arguments &arguments);
+
+/// Has the module program the template at `path` and gives its message. Throws Failure with the module's message.
+std::string ProgramTemplate(const Arguments &arguments, const std::string &path);
+
+/// Loads and initialises the module and says what it is.
+std::string DescribeModule(const Arguments &arguments);

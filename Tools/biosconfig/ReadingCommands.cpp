@@ -1,0 +1,491 @@
+#include "Commands.h"
+#include "Glob.h"
+#include "LowerAscii.h"
+#include "OptionDiff.h"
+#include "OptionJson.h"
+#include "OptionValue.h"
+#include "Redaction.h"
+
+#include <algorithm>
+#include <map>
+#include <unordered_set>
+
+namespace
+{
+
+constexpr std::size_t kFewestColumnsOfHelp = 40;
+constexpr std::size_t kMostColumnsOfHelp = 100;
+constexpr std::size_t kUsualColumns = 80;
+/// How much of a text stands on either side of what was found in it.
+constexpr std::size_t kColumnsAroundFound = 30;
+
+/// The exit code of a command that has found everything: a dump that is damaged gives a part.
+ExitCode CodeOf(const LoadedOptions &options)
+{
+    return options.isDamaged ? ExitCode::InPart : ExitCode::Done;
+}
+
+/// Hides values, when what is to be compared has been compared.
+void RedactIfWished(const Work &work, OptionTable &table)
+{
+    if (work.arguments.isRedacted)
+        Redact(table, work.arguments.redactedToo);
+}
+
+std::string CsvCell(std::string_view text)
+{
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos)
+        return std::string(text);
+    std::string cell = "\"";
+    for (const char character : text)
+        cell.append(character == '"' ? 2 : 1, character);
+    return cell + "\"";
+}
+
+void ListAsCsv(const std::vector<const BiosOption *> &options, Output &output)
+{
+    output.Add("Name,Value,Prompt,Page,Default,Changed\n");
+    for (const BiosOption *const option : options)
+    {
+        const std::string cells[] = {std::string(option->name),   ValueText(*option, option->currentValue),
+                                     std::string(option->prompt), std::string(option->page),
+                                     ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
+        std::string line;
+        for (const std::string &cell : cells)
+            line.append(line.empty() ? "" : ",").append(CsvCell(cell));
+        output.Add(line + "\n");
+    }
+}
+
+void AddOptionsAsJson(const std::vector<const BiosOption *> &options, Output &output)
+{
+    output.StartArray("options");
+    for (const BiosOption *const option : options)
+        output.AddElement(OptionJson(*option));
+    output.EndArray();
+}
+
+Look LookOfValue(const BiosOption &option)
+{
+    return option.isRedacted ? Look::Faint : option.isChanged ? Look::Changed : Look::Plain;
+}
+
+void ListAsTable(const std::vector<const BiosOption *> &options, Output &output)
+{
+    TextTable table({{"NAME", 20}, {"VALUE", 10}, {"PROMPT", 16}, {"PAGE", 10}});
+    for (const BiosOption *const option : options)
+        table.AddRow({{std::string(option->name), Look::Name},
+                      {ValueText(*option, option->currentValue), LookOfValue(*option)},
+                      {std::string(option->prompt)},
+                      {std::string(option->page), Look::Faint}});
+    output.Add(table.Text(output.Reader()));
+}
+
+/// The value for the list of `show`: its text, with the number where that says something else.
+std::string DetailedValue(const BiosOption &option, std::string_view value)
+{
+    const std::string text = ValueText(option, value);
+    const std::optional<std::uint64_t> number = ValueNumber(option, value);
+    if (option.isRedacted || !number || text == value)
+        return text.empty() ? "(empty)" : text;
+    return text + " (" + std::string(value) + ")";
+}
+
+/// Writes what `show` says of an option.
+class OptionPage
+{
+public:
+    OptionPage(const BiosOption &option, const OptionTable &table, Output &output)
+        : m_option(option), m_table(table), m_output(output)
+    {
+        const std::size_t columns = output.Reader().IsThere() ? output.Reader().Columns() : kUsualColumns;
+        m_columns = std::clamp(columns, kFewestColumnsOfHelp, kMostColumnsOfHelp);
+    }
+
+    void Write()
+    {
+        m_output.Add(m_output.Reader().Style(Look::Head, OneLine(m_option.name)) + "  " + OneLine(m_option.prompt) + "\n");
+        for (const std::string &line : Wrap(m_option.help, m_columns - 2))
+            m_output.Add("  " + line + "\n");
+        m_output.Add("\n");
+        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(), LookOfValue(m_option));
+        if (m_option.kind == OptionKind::Text || !m_option.defaultValue.empty())
+            AddField("Default", DetailedValue(m_option, m_option.defaultValue));
+        if (m_option.pendingValue)
+            AddField("Pending", DetailedValue(m_option, *m_option.pendingValue) + ", from the next restart on",
+                     Look::Warning);
+        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText());
+        AddField("Page", std::string(m_option.page));
+        AddField("Condition", ConditionText());
+        AddChoices();
+    }
+
+private:
+    void AddField(const char *title, const std::string &text, Look look = Look::Plain)
+    {
+        if (text.empty())
+            return;
+        constexpr std::size_t kTitleColumns = 12;
+        const std::string head = std::string("  ") + title + std::string(kTitleColumns - std::string(title).size(), ' ');
+        m_output.Add(head + m_output.Reader().Style(look, OneLine(text)) + "\n");
+    }
+
+    std::string ValueRemark() const
+    {
+        if (m_option.isRedacted)
+            return "";
+        if (!m_option.choices.empty() && !ChoiceOf(m_option, m_option.currentValue))
+            return ", which is no choice";
+        return m_option.isChanged ? ", changed" : "";
+    }
+
+    std::string SizeText() const
+    {
+        if (m_option.size == 0)
+            return "";
+        return std::string(m_option.kind == OptionKind::Text ? ", at most " : ", ") + std::to_string(m_option.size) +
+               (m_option.size == 1 ? " byte" : " bytes");
+    }
+
+    std::string ConditionText() const
+    {
+        const auto valueOf = [&](std::string_view name)
+        {
+            const BiosOption *const other = m_table.Find(name);
+            return other && !other->isRedacted ? DumpNumber(other->currentValue) : std::nullopt;
+        };
+        if (m_option.condition == "TRUE")
+            return "";
+        const std::optional<bool> isMet = IsConditionMet(m_option.condition, valueOf);
+        return std::string(m_option.condition) + (!isMet ? "" : *isMet ? " (can be changed now)" : " (not met now)");
+    }
+
+    void AddChoices()
+    {
+        const OptionChoice *const current = m_option.isRedacted ? nullptr : ChoiceOf(m_option, m_option.currentValue);
+        const OptionChoice *const byDefault = m_option.isRedacted ? nullptr : ChoiceOf(m_option, m_option.defaultValue);
+        if (!m_option.choices.empty())
+            m_output.Add("  Choices\n");
+        for (const OptionChoice &choice : m_option.choices)
+        {
+            const bool isCurrent = &choice == current;
+            std::string line = std::string(isCurrent ? "  * " : "    ") + OneLine(choice.value) + "  " + OneLine(choice.text);
+            line += isCurrent ? "  [current]" : "";
+            line += &choice == byDefault ? "  [default]" : "";
+            m_output.Add(m_output.Reader().Style(isCurrent ? Look::Head : Look::Plain, line) + "\n");
+        }
+    }
+
+    const BiosOption &m_option;
+    const OptionTable &m_table;
+    Output &m_output;
+    std::size_t m_columns;
+};
+
+/// Where a text was found.
+struct Found
+{
+    const char *field = nullptr;
+    std::string_view text;
+    std::size_t at = 0;
+};
+
+/// The first text of an option that `wanted` (in lower case) is in; without a field where it is in none.
+Found FindText(const BiosOption &option, const std::string &wanted)
+{
+    const std::pair<const char *, std::string_view> texts[] = {
+        {"name", option.name}, {"prompt", option.prompt}, {"help", option.help}};
+    for (const auto &[field, text] : texts)
+    {
+        const std::size_t at = FindIgnoringCase(text, wanted);
+        if (at != std::string_view::npos)
+            return {field, text, at};
+    }
+    for (const OptionChoice &choice : option.choices)
+    {
+        const std::size_t at = FindIgnoringCase(choice.text, wanted);
+        if (at != std::string_view::npos)
+            return {"choice", choice.text, at};
+    }
+    return {};
+}
+
+bool IsInsideCharacter(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
+}
+
+/// What was found, with something on either side.
+std::string Snippet(const Found &found, std::size_t length, const Terminal &terminal)
+{
+    std::size_t begin = found.at > kColumnsAroundFound ? found.at - kColumnsAroundFound : 0;
+    std::size_t end = std::min(found.text.size(), found.at + length + kColumnsAroundFound);
+    while (begin > 0 && IsInsideCharacter(found.text[begin]))
+        --begin;
+    while (end < found.text.size() && IsInsideCharacter(found.text[end]))
+        ++end;
+    const auto part = [&](std::size_t from, std::size_t to) { return OneLine(found.text.substr(from, to - from)); };
+    return (begin > 0 ? "..." : "") + part(begin, found.at) +
+           terminal.Style(Look::Found, part(found.at, found.at + length)) + part(found.at + length, end) +
+           (end < found.text.size() ? "..." : "");
+}
+
+struct PageCount
+{
+    std::size_t options = 0;
+    std::size_t changed = 0;
+};
+
+/// By path, in the order of their first options, each page and what stands above it.
+class PageTree
+{
+public:
+    explicit PageTree(const OptionTable &table)
+    {
+        for (const BiosOption &option : table.Options())
+        {
+            for (std::size_t slash = option.page.find('/'); slash != std::string_view::npos;
+                 slash = option.page.find('/', slash + 1))
+                Count(option.page.substr(0, slash), option);
+            Count(option.page, option);
+        }
+        // A page stands behind the one above it, whatever came between.
+        std::stable_sort(m_paths.begin(), m_paths.end(), [&](std::string_view left, std::string_view right)
+                         { return Order(left) < Order(right); });
+    }
+
+    const std::vector<std::string_view> &Paths() const { return m_paths; }
+    const PageCount &CountOf(std::string_view path) const { return m_counts.at(path); }
+
+private:
+    void Count(std::string_view path, const BiosOption &option)
+    {
+        const auto [count, isNew] = m_counts.try_emplace(path);
+        if (isNew)
+        {
+            m_ranks[path] = m_paths.size();
+            m_paths.push_back(path);
+        }
+        ++count->second.options;
+        count->second.changed += option.isChanged ? 1 : 0;
+    }
+
+    /// The ranks of the pages from the top down to `path`.
+    std::vector<std::size_t> Order(std::string_view path) const
+    {
+        std::vector<std::size_t> order;
+        for (std::size_t slash = path.find('/'); slash != std::string_view::npos; slash = path.find('/', slash + 1))
+            order.push_back(m_ranks.at(path.substr(0, slash)));
+        order.push_back(m_ranks.at(path));
+        return order;
+    }
+
+    std::vector<std::string_view> m_paths;
+    std::map<std::string_view, PageCount> m_counts;
+    std::map<std::string_view, std::size_t> m_ranks;
+};
+
+void AddPagesAsText(const PageTree &tree, Output &output)
+{
+    TextTable table({{"PAGE", 20}, {"OPTIONS", 7}, {"CHANGED", 7}});
+    for (const std::string_view path : tree.Paths())
+    {
+        const auto depth = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/'));
+        // A terminal shows the tree, a program gets the whole path.
+        const std::string title = output.Reader().IsThere()
+                                      ? std::string(2 * depth, ' ') + std::string(path.substr(path.rfind('/') + 1))
+                                      : std::string(path);
+        const PageCount &count = tree.CountOf(path);
+        table.AddRow({{title, Look::Name},
+                      {std::to_string(count.options)},
+                      {std::to_string(count.changed), count.changed ? Look::Changed : Look::Faint}});
+    }
+    output.Add(table.Text(output.Reader()));
+}
+
+void AddChangesAsTable(const std::vector<OptionChange> &changes, Output &output)
+{
+    TextTable table({{"NAME", 20}, {"OLD", 10}, {"NEW", 10}, {"PAGE", 10}});
+    for (const OptionChange &change : changes)
+    {
+        const std::string oldText = change.before ? ValueText(*change.before, change.OldValue()) : "(added)";
+        const std::string newText = change.after ? ValueText(*change.after, change.NewValue()) : "(removed)";
+        table.AddRow({{std::string(change.Either().name), Look::Name},
+                      {oldText.empty() ? "(empty)" : oldText, Look::Bad},
+                      {newText.empty() ? "(empty)" : newText, Look::Good},
+                      {std::string(change.Either().page), Look::Faint}});
+    }
+    output.Add(table.Text(output.Reader()));
+}
+
+ExitCode AddChanges(const Work &work, const std::vector<OptionChange> &changes, ExitCode code)
+{
+    Output &output = work.output;
+    if (output.IsJson())
+    {
+        output.StartArray("changes");
+        for (const OptionChange &change : changes)
+            output.AddElement(ChangeJson(change));
+        output.EndArray();
+    }
+    else if (!changes.empty())
+        AddChangesAsTable(changes, output);
+    std::unordered_set<std::string_view> pages;
+    for (const OptionChange &change : changes)
+        pages.insert(change.Either().page);
+    if (output.Reader().IsThere() && !work.arguments.isQuiet)
+        Tell(changes.empty() ? "nothing differs"
+                             : std::to_string(changes.size()) + (changes.size() == 1 ? " option differs on " : " options differ on ") +
+                                   std::to_string(pages.size()) + (pages.size() == 1 ? " page" : " pages"));
+    if (code == ExitCode::Done && work.arguments.tellsDifferenceByExitCode && !changes.empty())
+        return ExitCode::Different;
+    return code;
+}
+
+} // namespace
+
+ExitCode ListOptions(const Work &work)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    ExitCode code = CodeOf(options);
+    const std::vector<const BiosOption *> selected = SelectOptions(work, options.table, code);
+    RedactIfWished(work, options.table);
+    if (work.output.IsJson())
+        AddOptionsAsJson(selected, work.output);
+    else if (work.arguments.isCsv)
+        ListAsCsv(selected, work.output);
+    else if (!selected.empty())
+        ListAsTable(selected, work.output);
+    return code;
+}
+
+ExitCode GetValues(const Work &work)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    RedactIfWished(work, options.table);
+    ExitCode code = CodeOf(options);
+    const std::vector<const BiosOption *> found = FindOptions(work, options.table, code);
+    if (work.output.IsJson())
+        AddOptionsAsJson(found, work.output);
+    for (const BiosOption *const option : found)
+    {
+        if (!work.output.IsJson())
+            work.output.Add(OneLine(ValueText(*option, option->currentValue)) + "\n");
+    }
+    return code;
+}
+
+ExitCode ShowOptions(const Work &work)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    RedactIfWished(work, options.table);
+    ExitCode code = CodeOf(options);
+    const std::vector<const BiosOption *> found = FindOptions(work, options.table, code);
+    if (work.output.IsJson())
+        AddOptionsAsJson(found, work.output);
+    for (const BiosOption *const option : found)
+    {
+        if (work.output.IsJson())
+            break;
+        work.output.Add(option == found.front() ? "" : "\n");
+        OptionPage(*option, options.table, work.output).Write();
+    }
+    return code;
+}
+
+ExitCode SearchOptions(const Work &work)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    RedactIfWished(work, options.table);
+    const std::string wanted = LowerAscii(work.arguments.words.front());
+    std::vector<const BiosOption *> found;
+    std::string lines;
+    const Terminal &reader = work.output.Reader();
+    for (const BiosOption &option : options.table.Options())
+    {
+        const Found place = FindText(option, wanted);
+        if (!place.field)
+            continue;
+        found.push_back(&option);
+        lines += reader.Style(Look::Name, OneLine(option.name)) + "  " + place.field + ": " +
+                 Snippet(place, wanted.size(), reader) + "\n";
+    }
+    if (work.output.IsJson())
+        AddOptionsAsJson(found, work.output);
+    else
+        work.output.Add(lines);
+    if (!found.empty())
+        return CodeOf(options);
+    work.output.Tell(Severity::Error, "not-found",
+                     "no option has \"" + work.arguments.words.front() + "\" in its name, prompt, help or choices");
+    return ExitCode::NotFound;
+}
+
+ExitCode ListPages(const Work &work)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    const PageTree tree(options.table);
+    if (!work.output.IsJson())
+    {
+        AddPagesAsText(tree, work.output);
+        return CodeOf(options);
+    }
+    work.output.StartArray("pages");
+    for (const std::string_view path : tree.Paths())
+    {
+        const PageCount &count = tree.CountOf(path);
+        work.output.AddElement({{"page", path}, {"options", count.options}, {"changed", count.changed}});
+    }
+    work.output.EndArray();
+    return CodeOf(options);
+}
+
+ExitCode DiffOptions(const Work &work)
+{
+    const Arguments &arguments = work.arguments;
+    if (arguments.toDefaults)
+    {
+        LoadedOptions options = ReadOptions(arguments, work.steps, work.output);
+        const std::vector<OptionChange> changes = DiffToDefaults(options.table);
+        RedactIfWished(work, options.table);
+        return AddChanges(work, changes, CodeOf(options));
+    }
+    LoadedOptions before = ReadDumpFile(arguments.words.front(), work.output);
+    LoadedOptions after = arguments.words.size() > 1 ? ReadDumpFile(arguments.words.back(), work.output)
+                                                     : ReadOptions(arguments, work.steps, work.output);
+    const std::vector<OptionChange> changes = Diff(before.table, after.table);
+    RedactIfWished(work, before.table);
+    RedactIfWished(work, after.table);
+    return AddChanges(work, changes, before.isDamaged ? ExitCode::InPart : CodeOf(after));
+}
+
+ExitCode ExportTemplate(const Work &work)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    ExitCode code = CodeOf(options);
+    const std::vector<const BiosOption *> selected = SelectOptions(work, options.table, code);
+    RedactIfWished(work, options.table);
+    if (work.output.IsJson())
+    {
+        AddOptionsAsJson(selected, work.output);
+        return code;
+    }
+    std::vector<std::string> values;
+    std::vector<WrittenAssignment> assignments;
+    values.reserve(selected.size()); // views refer to them
+    for (const BiosOption *const option : selected)
+    {
+        const std::optional<std::string> value =
+            option->isRedacted ? std::nullopt : WritableValue(*option, option->currentValue);
+        if (value)
+            assignments.push_back({option->name, values.emplace_back(*value)});
+        else
+            work.output.Tell(Severity::Warning, option->isRedacted ? "redacted" : "not-writable",
+                             std::string(option->name) + " is left out: " +
+                                 (option->isRedacted ? "its value is redacted"
+                                                     : "its value is none that a template can give it"),
+                             {{"option", option->name}});
+    }
+    work.output.Add(WriteTemplate(assignments, TemplateKind::Text));
+    return code == ExitCode::Done && assignments.size() < selected.size() ? ExitCode::InPart : code;
+}
