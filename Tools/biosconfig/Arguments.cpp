@@ -386,24 +386,21 @@ ExitCode ShowHelp(CLI::App &app, const std::vector<std::string> &words)
 /// What a wrong command line is told.
 std::string UsageMessage(const CLI::ParseError &error, const CommandLine &line, const CLI::App &command)
 {
-    const std::string words = line.words;
     if (command.remaining_size() > 0)
     {
         const std::string word = command.remaining().front();
         std::vector<std::string> names;
-        for (const CLI::Option *const option : command.get_options())
+        for (const CLI::Option *const option : command.get_options([](const CLI::Option *known) { return !known->get_group().empty(); }))
             names.push_back("--" + option->get_single_name());
         const std::string nearest(Nearest(word, {names.begin(), names.end()}));
-        if (word.starts_with('-') && !nearest.empty())
-            return "\"" + word + "\" is no option of \"" + line.name + "\"; did you mean \"" + nearest + "\"?";
+        if (word.starts_with('-'))
+            return "\"" + word + "\" is no option of \"" + line.name + "\"" +
+                   (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?");
         return "\"" + word + "\" is too much for \"" + line.name + "\"";
     }
-    if (error.get_name() == "RequiredError" || error.get_name() == "ArgumentMismatch")
-    {
-        if (std::string(error.what()).find("WORDS") != std::string::npos)
-            return "\"" + std::string(line.name) + "\" wants " + words;
-    }
-    return error.what();
+    // The words have no name of their own.
+    const std::string message = error.what();
+    return message.find_first_of(" :") == 0 ? "\"" + std::string(line.name) + "\" wants " + line.words : message;
 }
 
 /// The first word that is no option; empty when there is none.
