@@ -45,8 +45,8 @@ std::vector<OptionChoice> ChoicesOf(const KnobDetails &knob)
     for (const auto &[text, value] : knob.options)
         choices.push_back({text, value});
     const auto number = [](const OptionChoice &choice) { return DumpNumber(choice.value).value_or(UINT64_MAX); };
-    std::stable_sort(choices.begin(), choices.end(), [&](const OptionChoice &left, const OptionChoice &right)
-                     { return number(left) < number(right); });
+    std::stable_sort(choices.begin(), choices.end(),
+                     [&](const OptionChoice &left, const OptionChoice &right) { return number(left) < number(right); });
     return choices;
 }
 
@@ -125,12 +125,13 @@ private:
 
 std::string_view KindName(OptionKind kind)
 {
-    const auto *const word =
-        std::find_if(std::begin(kKindWords), std::end(kKindWords), [&](const KindWord &known) { return known.kind == kind; });
+    const auto *const word = std::find_if(std::begin(kKindWords), std::end(kKindWords),
+                                          [&](const KindWord &known) { return known.kind == kind; });
     return word == std::end(kKindWords) ? "unknown" : word->name;
 }
 
-OptionTable::OptionTable(KnobList &&knobs, const FurtherDetails &further) : m_knobs(std::move(knobs)), m_further(further)
+OptionTable::OptionTable(KnobList &&knobs, const FurtherDetails &further)
+    : m_knobs(std::move(knobs)), m_further(further)
 {
     m_options.reserve(m_knobs.Size());
     for (const KnobDetails &knob : m_knobs)

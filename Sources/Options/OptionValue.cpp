@@ -152,7 +152,8 @@ JudgedValue JudgeText(const BiosOption &option, std::string_view value)
 {
     if (option.size > 0 && value.size() > option.size)
         return {"", "",
-                "the text has " + std::to_string(value.size()) + " bytes; the longest has " + std::to_string(option.size)};
+                "the text has " + std::to_string(value.size()) + " bytes; the longest has " +
+                    std::to_string(option.size)};
     if (!IsPrintableUtf8(value))
         return {"", "", "the text is not printable UTF-8"};
     return {std::string(value), std::string(value), ""};
@@ -192,8 +193,9 @@ bool IsSameValue(const BiosOption &option, std::string_view left, std::string_vi
 
 const OptionChoice *ChoiceOf(const BiosOption &option, std::string_view value)
 {
-    const auto found = std::find_if(option.choices.begin(), option.choices.end(),
-                                    [&](const OptionChoice &choice) { return IsSameValue(option, choice.value, value); });
+    const auto found =
+        std::find_if(option.choices.begin(), option.choices.end(),
+                     [&](const OptionChoice &choice) { return IsSameValue(option, choice.value, value); });
     return found == option.choices.end() ? nullptr : &*found;
 }
 
@@ -262,8 +264,8 @@ std::optional<OptionCondition> ParseCondition(std::string_view condition)
     const OptionCondition parsed = {condition.substr(0, nameEnd),
                                     condition.substr(nameEnd + 1, comparisonEnd - nameEnd - 1), *number};
     constexpr std::string_view kComparisons[] = {"==", "!=", "<", "<=", ">", ">="};
-    const bool isKnown = std::find(std::begin(kComparisons), std::end(kComparisons), parsed.comparison) !=
-                         std::end(kComparisons);
+    const bool isKnown =
+        std::find(std::begin(kComparisons), std::end(kComparisons), parsed.comparison) != std::end(kComparisons);
     return isKnown ? std::optional(parsed) : std::nullopt;
 }
 

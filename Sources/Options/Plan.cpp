@@ -47,8 +47,7 @@ public:
 private:
     void Add(Severity severity, const TemplateAssignment &assignment, std::string_view code, std::string message)
     {
-        m_plan.findings.push_back(
-            {severity, assignment.place, std::string(assignment.name), code, std::move(message)});
+        m_plan.findings.push_back({severity, assignment.place, std::string(assignment.name), code, std::move(message)});
     }
 
     void Take(const TemplateAssignment &assignment)
@@ -99,10 +98,10 @@ private:
         };
         if (!change.isToDo || IsConditionMet(change.option->condition, valueOf) != false)
             return;
-        m_plan.findings.push_back(
-            {Severity::Warning, change.place, std::string(change.option->name), "condition-not-met",
-             "the option's condition is not met, so the value may have no effect: " +
-                 std::string(change.option->condition)});
+        m_plan.findings.push_back({Severity::Warning, change.place, std::string(change.option->name),
+                                   "condition-not-met",
+                                   "the option's condition is not met, so the value may have no effect: " +
+                                       std::string(change.option->condition)});
     }
 
     const OptionTable &m_table;
@@ -144,7 +143,10 @@ Plan PlanDefaults(std::span<const BiosOption *const> options)
         else if (forTool)
             plan.changes.push_back({option, *forTool, std::string(option->defaultValue), true, {}});
         else
-            plan.findings.push_back({Severity::Error, {}, std::string(option->name), "invalid-value",
+            plan.findings.push_back({Severity::Error,
+                                     {},
+                                     std::string(option->name),
+                                     "invalid-value",
                                      "the default cannot be handed to the tool"});
     }
     return plan;
@@ -162,10 +164,10 @@ Verdict Verify(const PlannedChange &change, const OptionTable &after, bool tells
     if (!option)
         return Verdict::Mismatch;
     const auto isNew = [&](std::string_view value) { return IsSameValue(*option, value, change.newValue); };
+    if (isNew(option->currentValue) && isNew(option->pendingValue.value_or(option->currentValue)))
+        return change.isToDo ? Verdict::InEffect : Verdict::Unchanged;
     if (option->pendingValue)
         return isNew(*option->pendingValue) ? Verdict::PendingRestart : Verdict::Mismatch;
-    if (isNew(option->currentValue))
-        return change.isToDo ? Verdict::InEffect : Verdict::Unchanged;
     if (!IsSameValue(*option, option->currentValue, change.option->currentValue))
         return Verdict::Mismatch;
     return tellsPending ? Verdict::Rejected : Verdict::PendingRestart;

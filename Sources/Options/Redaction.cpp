@@ -8,9 +8,9 @@ namespace
 {
 
 constexpr std::string_view kPatterns[] = {
-    "*password*", "*passphrase*",  "*secret*",       "*credential*", "*asset*tag*",  "*service*tag*", "*tag",
-    "*serialnum*", "*serial num*", "*serial number*", "*address*",    "*addr",        "*hostname*",    "*host name*",
-    "*uuid*",     "*owner*",       "*user name*",    "*username*"};
+    "*password*", "*passphrase*", "*secret*",     "*credential*",    "*asset*tag*", "*service*tag*",
+    "*tag",       "*serialnum*",  "*serial num*", "*serial number*", "*address*",   "*addr",
+    "*hostname*", "*host name*",  "*uuid*",       "*owner*",         "*user name*", "*username*"};
 
 } // namespace
 

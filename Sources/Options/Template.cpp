@@ -56,12 +56,13 @@ private:
 void TakeTextRecord(const TemplateRecord &record, PlaceCounter &places, TemplateContent &content)
 {
     const std::string_view name = Trim(record.assignment.name);
-    const auto add = [&](Severity severity, TemplatePlace place, std::string_view code, std::string message)
-    { content.findings.push_back({severity, place, std::string(name), code, std::move(message)}); };
+    const auto add = [&](Severity severity, TemplatePlace place, std::string_view code, std::string message) {
+        content.findings.push_back({severity, place, std::string(name), code, std::move(message)});
+    };
     if (!record.isAssignment && name.empty())
         return; // behind the last ";"
-    const std::string_view before = record.assignment.name.substr(
-        0, static_cast<std::size_t>(name.data() - record.assignment.name.data()));
+    const std::string_view before =
+        record.assignment.name.substr(0, static_cast<std::size_t>(name.data() - record.assignment.name.data()));
     const TemplatePlace place = places.Of(name);
     if (!record.isAssignment)
         return add(Severity::Error, place, "no-assignment", "this is no assignment: there is no \"=\"");
@@ -69,7 +70,8 @@ void TakeTextRecord(const TemplateRecord &record, PlaceCounter &places, Template
         return add(Severity::Error, place, "no-name", "the assignment names no option");
     if (before.find('\n') != std::string_view::npos)
         add(Severity::Warning, place, "line-break-in-name",
-            "the line break in front of the name is a part of it for the tool; write the \";\" at the start of the line");
+            "the line break in front of the name is a part of it for the tool; write the \";\" at the start of the "
+            "line");
     if (!IsBlank(record.rest))
     {
         const std::string_view rest = Trim(record.rest);
@@ -132,7 +134,10 @@ TemplateContent ReadAssignments(const std::vector<std::string> &arguments)
         const std::size_t equals = argument.find('=');
         const std::string_view name = Trim(argument.substr(0, equals));
         if (equals == std::string_view::npos || name.empty())
-            content.findings.push_back({Severity::Error, {}, std::string(name), "no-assignment",
+            content.findings.push_back({Severity::Error,
+                                        {},
+                                        std::string(name),
+                                        "no-assignment",
                                         "\"" + std::string(argument) + "\" is not of the form NAME=VALUE"});
         else
             content.assignments.push_back({name, Trim(argument.substr(equals + 1)), {}});

@@ -75,6 +75,6 @@ struct WrittenAssignment
     std::string_view value;
 };
 
-/// The text of a template with these assignments, a line each. In a text template the ";" stands at the start of a line:
-/// behind a value it would make the line break a part of the next name.
+/// The text of a template with these assignments, a line each. In a text template the ";" stands at the start of a
+/// line: behind a value it would make the line break a part of the next name.
 std::string WriteTemplate(const std::vector<WrittenAssignment> &assignments, TemplateKind kind);

@@ -2,6 +2,7 @@
 #include "RunProgram.h"
 #include "TestSupport.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <filesystem>
@@ -25,8 +26,7 @@ Outcome RunBiosconfig(const std::string &arguments)
 
 /// What the program ends with.
 constexpr std::uint32_t kDone = 0, kUnexpected = 1, kDifferent = 2, kNotFound = 3, kNotValid = 4, kInPart = 5,
-                        kToolFailed = 6, kNoTool = 7, kTimedOut = 8, kNotPermitted = 9, kMismatch = 10,
-                        kWrongUsage = 64;
+                        kToolFailed = 6, kNoTool = 7, kTimedOut = 8, kNotPermitted = 9, kWrongUsage = 64;
 
 /// A report file's text as it was in the module's buffer.
 std::string BufferOf(const std::string &reportFile)
@@ -231,6 +231,137 @@ TEST_F(BiosconfigTest, EveryComponentTracesToAllSinksAndAFaultyConfigurationIsTo
     EXPECT_TRUE(messages.starts_with("biosconfig: debug.conf, line 2, is not of the form")) << messages;
 }
 
+struct ReadingCase
+{
+    const char *arguments;
+    std::uint32_t exitCode;
+    const char *output;
+};
+
+constexpr ReadingCase kReadingCases[] = {
+    {"get PostDelay FanCurve AssetTag StrangeLevel", kDone, "10\nSilent – über Nacht\nLäb 7, \"rack B\"\n0x9\n"},
+    {"get quietboot WakeOnLan", kNotFound, "Yes\n"},
+    {"list '*Delay' --changed", kDone, "PostDelay  10  Start delay (s)  Boot/Timing\n"},
+    {"list --csv AssetTag", kDone,
+     "Name,Value,Prompt,Page,Default,Changed\nAssetTag,\"Läb 7, \"\"rack B\"\"\",Asset tag,/Owner,,yes\n"},
+    {"list --csv --redact --redact-also 'link*' AssetTag LinkSpeed", kDone,
+     "Name,Value,Prompt,Page,Default,Changed\nAssetTag,(redacted),Asset tag,/Owner,(redacted),yes\n"
+     "LinkSpeed,(redacted),Link <b>speed</b>,Ports & Länge/Link,(redacted),yes\n"},
+    {"search NIGHT", kNotFound, ""},
+    {"search nacht", kDone, "FanCurve  choice: Silent – über Nacht\n"},
+    {"export 'Fan*' PostDelay", kDone, "FanCurve=Silent – über Nacht\n;PostDelay=10\n;FanFloor=30\n"},
+    {"export --redact 'Fan*' AssetTag", kInPart, "FanCurve=Silent – über Nacht\n;FanFloor=30\n"},
+    {"export StrangeLevel", kInPart, ""},
+    {"diff --defaults --exit-code", kDifferent,
+     "FanCurve      Loud & cool  Silent – über Nacht  Platform/Fans/Rear\n"
+     "WakeOnLan     No           Yes                  Network\n"
+     "PostDelay     5            10                   Boot/Timing\n"
+     "FanFloor      20           30                   Platform/Fans/Rear\n"
+     "AssetTag      (empty)      Läb 7, \"rack B\"      /Owner\n"
+     "StrangeLevel  Low          0x9                  Platform/Fans/Rear\n"
+     "LinkSpeed     Auto         > 1 GB/s             Ports & Länge/Link\n"},
+    {"set --dry-run --exit-code BootOrder=disk", kDone, "BootOrder  Disk  Disk  unchanged\n"},
+    {"set --dry-run --exit-code BootOrder=network", kDifferent, "BootOrder  Disk  Network  program\n"},
+};
+
+TEST_F(BiosconfigTest, ReadsADumpWithoutATool)
+{
+    fs::copy(SMALL_FIRMWARE, "small.xml");
+    const EnvironmentSetting noTool("BIOSCONFIG_PROGRAM_FILES", "");
+    for (const ReadingCase &each : kReadingCases)
+    {
+        std::string arguments = each.arguments;
+        std::replace(arguments.begin(), arguments.end(), '\'', '"');
+        const Outcome outcome = RunBiosconfig(arguments + " --from small.xml");
+        EXPECT_EQ(outcome.exitCode, each.exitCode) << arguments << outcome.messages;
+        EXPECT_EQ(outcome.output, each.output) << arguments;
+    }
+    EXPECT_EQ(RunBiosconfig("diff small.xml small.xml --exit-code").exitCode, kDone);
+    EXPECT_EQ(FilesIn("."), 4); // nothing was made
+}
+
+TEST_F(BiosconfigTest, AnUpdateIsPlannedProgrammedAndReadBack)
+{
+    fs::create_directories("a.b");
+    WriteFile("a.b/v1.2.txt", "BootFast=enabled\n;BootPromptSeconds=3");
+    const Outcome first = RunBiosconfig("update --tool-dir tools a.b/../a.b/v1.2.txt --exit-code");
+    EXPECT_EQ(first.exitCode, kDifferent) << first.messages;
+    EXPECT_EQ(first.output, "BootFast           Disabled  Enabled  pending restart\n"
+                            "BootPromptSeconds  3         3        unchanged\n");
+    EXPECT_NE(first.messages.find("BIOS settings updated successfully. "), std::string::npos) << first.messages;
+    EXPECT_EQ(BufferOf(std::string(kToolPlace) + "../out/v1_2.ini"),
+              "[BiosKnobs]\nBootFast==Enabled\nBootPromptSeconds==3\n");
+    {
+        // There is nothing to do, so the tool is not asked to do it; nor is it for what cannot be done.
+        const EnvironmentSetting fault("FENRIKCMD_FAULT", "progknobsfromfile=crash");
+        EXPECT_EQ(RunBiosconfig("update a.b/v1.2.txt --exit-code").exitCode, kDone);
+        WriteFile("bad.ini", "[Boot]\nBootFast = 7");
+        const Outcome bad = RunBiosconfig("update bad.ini");
+        EXPECT_EQ(bad.exitCode, kNotValid);
+        EXPECT_NE(bad.messages.find("bad.ini:2:1: BootFast: error: \"7\" is no choice; there are: Disabled, Enabled"),
+                  std::string::npos)
+            << bad.messages;
+        const Outcome crashed = RunBiosconfig("set BootFast=Disabled --tool-dir tools");
+        EXPECT_EQ(crashed.exitCode, kToolFailed);
+        EXPECT_EQ(crashed.output, "BootFast  Disabled  Disabled  rejected\n");
+        EXPECT_NE(crashed.messages.find("  Failed to Write to knobs (Update Bios Settings), "), std::string::npos);
+    }
+    EXPECT_EQ(FilesIn("."), 5);
+}
+
+TEST_F(BiosconfigTest, SettingsGoAndComeBack)
+{
+    const std::string restart = "\"" + m_directory.Path(kToolPlace) + "FenrikCmd.exe\" restart";
+    const auto dump = [&](const std::string &name)
+    {
+        EXPECT_EQ(RunBiosconfig("list -q -o list").exitCode, kDone);
+        fs::rename(std::string(kToolPlace) + "../FenrikOutput.xml", name);
+    };
+    RunBiosconfig("set CpuEnergyBias=Saving"); // its value was no choice
+    RunInSight(restart);
+    dump("before.xml");
+    EXPECT_EQ(RunBiosconfig("export --changed -o changed.txt").exitCode, kDone);
+    EXPECT_EQ(RunBiosconfig("reset --all").exitCode, kDone);
+    RunInSight(restart);
+    EXPECT_EQ(RunBiosconfig("diff --defaults --exit-code").exitCode, kDone);
+    EXPECT_EQ(RunBiosconfig("update --only-changes changed.txt").exitCode, kDone);
+    EXPECT_EQ(RunBiosconfig("diff before.xml --exit-code").exitCode, kDifferent);
+    RunInSight(restart);
+    const Outcome last = RunBiosconfig("diff before.xml --exit-code");
+    EXPECT_EQ(last.exitCode, kDone) << last.output << last.messages;
+}
+
+struct ToolFault
+{
+    const char *fault;
+    std::uint32_t exitCode;
+    const char *message;
+};
+
+constexpr ToolFault kToolFaults[] = {
+    {"exit:3", kNotPermitted, "ended with exit code 3"},
+    {"crash", kToolFailed, "the external tool "},
+    {"savexml=exit:4", kToolFailed, "FenrikCmd.exe savexml"},
+    {"nodump", kToolFailed, "cannot read the dump"},
+    {"wrongroot", kToolFailed, "is no dump of BIOS options"},
+    {"halfdump", kInPart, "is damaged in line "},
+    {"hang", kTimedOut, "more than 1 s; the external tool was ended"},
+};
+
+TEST_F(BiosconfigTest, FailuresOfTheToolAreToldApart)
+{
+    for (const ToolFault &each : kToolFaults)
+    {
+        const EnvironmentSetting fault("FENRIKCMD_FAULT", each.fault);
+        const Outcome outcome = RunBiosconfig("list --json --timeout 1");
+        EXPECT_EQ(outcome.exitCode, each.exitCode) << each.fault << outcome.messages;
+        EXPECT_NE(outcome.messages.find(each.message), std::string::npos) << each.fault << outcome.messages;
+        EXPECT_TRUE(outcome.output.starts_with("{\"schemaVersion\":1,") && outcome.output.ends_with("]}\n"));
+    }
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "halfdump");
+    EXPECT_EQ(RunBiosconfig("set SetupLevel=Basic").exitCode, kToolFailed);
+}
+
 struct BadCall
 {
     const char *arguments;
@@ -261,7 +392,8 @@ constexpr BadCall kBadCalls[] = {
     {"report --tool-dir tools --module missing", kNotFound, "cannot load the module: "},
     {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", kUnexpected, "lacks the module's exports"},
     {"report --tool-dir missing", kNotFound, "no tool directory \"missing\""},
-    {"report --tool-dir bare", kUnexpected, "Failed to read data from Capability List (BiosConfigModule - InitModule), "},
+    {"report --tool-dir bare", kUnexpected,
+     "Failed to read data from Capability List (BiosConfigModule - InitModule), "},
     {"report --tool-dir locked", kNotPermitted, "could not record errors"},
     {"report --tool-dir tools -o missing/report.xml", kUnexpected, "cannot write the output file missing/report.xml"},
     {"list --from small.xml -o bare", kUnexpected, "cannot write the output file bare"},

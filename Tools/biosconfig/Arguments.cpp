@@ -148,8 +148,9 @@ std::string ExitCodesText()
 
 std::string RedactedText()
 {
-    std::string text = "--redact hides the values of all text options, and of options whose name, prompt or page matches\n"
-                       "one of these patterns (--redact-also adds one), in every format:\n ";
+    std::string text =
+        "--redact hides the values of all text options, and of options whose name, prompt or page matches\n"
+        "one of these patterns (--redact-also adds one), in every format:\n ";
     std::size_t column = 0;
     for (const std::string_view pattern : RedactedPatterns())
     {
@@ -202,8 +203,7 @@ void AddShownOptions(CLI::App &command, Arguments &parsed)
     command
         .add_option_function<std::string>(
             "--color",
-            [&parsed](const std::string &wish)
-            {
+            [&parsed](const std::string &wish) {
                 parsed.color = wish == "always"  ? ColorWish::Always
                                : wish == "never" ? ColorWish::Never
                                                  : ColorWish::Auto;
@@ -332,8 +332,8 @@ using ParsedCommands = std::array<Arguments, std::size(kCommands)>;
 /// The parser of the whole command line, which stores into `parsed`.
 std::unique_ptr<CLI::App> MakeParser(ParsedCommands &parsed)
 {
-    auto app = std::make_unique<CLI::App>("Shows this machine's BIOS options, makes reports of them, and programs them.",
-                                          "biosconfig");
+    auto app = std::make_unique<CLI::App>(
+        "Shows this machine's BIOS options, makes reports of them, and programs them.", "biosconfig");
     app->set_version_flag("--version", "biosconfig " BIOSCONFIG_VERSION);
     app->formatter(std::make_shared<HelpFormatter>());
     app->allow_windows_style_options(false); // a path may begin with "/"
@@ -344,10 +344,7 @@ std::unique_ptr<CLI::App> MakeParser(ParsedCommands &parsed)
         command->footer("\n\"biosconfig help\" tells of the external tool, the module, redaction and exit codes.");
         if (line.isHidden)
             command->group("");
-        if (line.command == Command::Complete)
-            command->prefix_command();
-        else
-            AddOptions(*command, line, parsed[static_cast<std::size_t>(&line - kCommands)]);
+        AddOptions(*command, line, parsed[static_cast<std::size_t>(&line - kCommands)]);
     }
     app->footer(Footer());
     return app;
@@ -390,7 +387,8 @@ std::string UsageMessage(const CLI::ParseError &error, const CommandLine &line, 
     {
         const std::string word = command.remaining().front();
         std::vector<std::string> names;
-        for (const CLI::Option *const option : command.get_options([](const CLI::Option *known) { return !known->get_group().empty(); }))
+        for (const CLI::Option *const option :
+             command.get_options([](const CLI::Option *known) { return !known->get_group().empty(); }))
             names.push_back("--" + option->get_single_name());
         const std::string nearest(Nearest(word, {names.begin(), names.end()}));
         if (word.starts_with('-'))
@@ -421,6 +419,17 @@ std::string DefaultModulePath()
         return beside;
     return Platform::ExecutableDirectory() + BIOSCONFIG_LIBRARY_PLACE "/" +
            Platform::SharedLibraryFileName(BIOS_CONFIG_MODULE_STEM);
+}
+
+/// The command line to complete is not one to be judged.
+Arguments WordsToComplete(int argumentCount, const char *const *arguments)
+{
+    Arguments parsed;
+    parsed.command = Command::Complete;
+    parsed.words.assign(arguments + 2, arguments + argumentCount);
+    if (!parsed.words.empty() && parsed.words.front() == "--")
+        parsed.words.erase(parsed.words.begin());
+    return parsed;
 }
 
 /// What cannot be said by the table; empty when all is well.
@@ -454,6 +463,8 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
     const std::unique_ptr<CLI::App> app = MakeParser(commands);
     const std::string name = FirstWord(argumentCount, arguments);
     const CommandLine *const line = FindCommand(name);
+    if (line && line->command == Command::Complete)
+        return WordsToComplete(argumentCount, arguments);
     try
     {
         if (!name.empty() && !line)
@@ -476,8 +487,6 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
     Arguments &parsed = commands[static_cast<std::size_t>(line - kCommands)];
     parsed.command = line->command;
     parsed.commandName = line->name;
-    if (parsed.command == Command::Complete)
-        parsed.words = app->get_subcommand(line->name)->remaining();
     if (parsed.command == Command::Help)
     {
         exitCode = ShowHelp(*app, parsed.words);
@@ -510,8 +519,10 @@ std::vector<CommandHelp> DescribeCommands()
             if (option->get_group().empty())
                 continue;
             const bool takesValue = option->get_expected_max() > 0;
-            OptionHelp described = {option->get_name(false, true), takesValue ? option->get_type_name() : "",
-                                    option->get_description(), {}};
+            OptionHelp described = {option->get_name(false, true),
+                                    takesValue ? option->get_type_name() : "",
+                                    option->get_description(),
+                                    {}};
             described.valueName = described.valueName.substr(0, described.valueName.find(':'));
             if (described.names.find("--color") != std::string::npos)
                 described.values = {"auto", "always", "never"};
@@ -526,6 +537,6 @@ std::vector<CommandHelp> DescribeCommands()
 
 std::vector<HelpTopic> DescribeTopics()
 {
-    return {{"The external tool", kToolTopic},   {"The module", kModuleTopic},       {"Data and messages", kStreamsTopic},
-            {"Redaction", RedactedText()},       {"Exit codes", ExitCodesText()},    {"Examples", kExamples}};
+    return {{"The external tool", kToolTopic}, {"The module", kModuleTopic},    {"Data and messages", kStreamsTopic},
+            {"Redaction", RedactedText()},     {"Exit codes", ExitCodesText()}, {"Examples", kExamples}};
 }

@@ -1,10 +1,10 @@
 #include "Commands.h"
+#include "DumpWords.h"
+#include "KnobDump.h"
 #include "LowerAscii.h"
-#include "ToolProgram.h"
+#include "Platform.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <utility>
 
 namespace
 {
@@ -176,28 +176,34 @@ private:
             OfferNames("");
     }
 
-    /// The options of the dump of --from, or of the last one that the tool has made.
-    const OptionTable &Options()
+    /// What stands behind an option in front of the word; empty where it is not there.
+    std::string ValueOf(std::string_view option) const
     {
-        if (m_isRead)
-            return m_table->table;
-        m_isRead = true;
-        std::string path;
         for (std::size_t index = 0; index + 1 < m_words.size(); ++index)
         {
-            if (m_words[index] == "--from")
-                path = m_words[index + 1];
+            if (m_words[index] == option)
+                return m_words[index + 1];
         }
-        std::string directory;
-        if (path.empty() && GetEnvironmentalVaribaleBiosLib("ProgramFiles", directory) == StatusCode::Success)
-            path = toolDumpFile(directory);
-        return m_table.emplace(ReadDumpFile(path, m_work.output)).table;
+        return {};
+    }
+
+    /// The dump of --from, or the last one that the tool has made.
+    std::string DumpPath() const
+    {
+        const std::string dump = ValueOf("--from");
+        if (!dump.empty())
+            return dump;
+        Arguments arguments = m_work.arguments;
+        arguments.programFiles = ValueOf("--program-files");
+        if (arguments.programFiles.empty())
+            Platform::ReadEnvironmentVariable("BIOSCONFIG_PROGRAM_FILES", arguments.programFiles);
+        return toolDumpFile(ToolPlace(arguments));
     }
 
     void OfferNames(const std::string &behind)
     {
-        for (const BiosOption &option : Options().Options())
-            Offer(std::string(option.name) + behind);
+        for (const std::string &name : ReadDumpWords(DumpPath(), "").names)
+            Offer(name + behind);
     }
 
     void OfferAssignments()
@@ -205,28 +211,20 @@ private:
         const std::string name = m_current.substr(0, m_current.find('='));
         if (name == m_current)
             return OfferNames("=");
-        const BiosOption *const option = Options().Find(name);
-        for (std::size_t index = 0; option && index < option->choices.size(); ++index)
-            Offer(name + "=" + std::string(option->choices[index].text));
+        for (const std::string &choice : ReadDumpWords(DumpPath(), name).choices)
+            Offer(name + "=" + choice);
     }
 
     void OfferPages()
     {
-        std::string_view last;
-        for (const BiosOption &option : Options().Options())
-        {
-            if (option.page != last)
-                Offer(option.page);
-            last = option.page;
-        }
+        for (const std::string &page : ReadDumpWords(DumpPath(), "").pages)
+            Offer(page);
     }
 
     const Work &m_work;
     const std::vector<std::string> &m_words;
     std::string m_current;
     std::vector<CommandHelp> m_commands;
-    bool m_isRead = false;
-    std::optional<LoadedOptions> m_table;
 };
 
 } // namespace
@@ -236,20 +234,17 @@ ExitCode PrintCompletion(const Work &work)
     const std::string &shell = work.arguments.words.front();
     const auto *const found = std::find(std::begin(kShells), std::end(kShells), shell);
     if (found == std::end(kShells))
-        throw Failure(ExitCode::WrongUsage, "there is no completion for \"" + shell +
-                                                "\"; there is one for bash, zsh, fish and powershell");
+        throw Failure(ExitCode::WrongUsage,
+                      "there is no completion for \"" + shell + "\"; there is one for bash, zsh, fish and powershell");
     work.output.Add(kScripts[found - std::begin(kShells)]);
     return ExitCode::Done;
 }
 
 ExitCode CompleteWords(const Work &work)
 {
-    std::vector<std::string> words = work.arguments.words;
-    if (!words.empty() && words.front() == "--")
-        words.erase(words.begin());
     try
     {
-        Completer(work, words).Complete();
+        Completer(work, work.arguments.words).Complete();
     }
     catch (const Failure &failure)
     {

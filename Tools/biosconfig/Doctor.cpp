@@ -85,7 +85,8 @@ private:
         const HealthWord &word = kHealthWords[static_cast<std::size_t>(health)];
         if (output.IsJson())
         {
-            json found = {{"check", check}, {"verdict", health == Health::Bad ? "fail" : word.word}, {"detail", detail}};
+            json found = {
+                {"check", check}, {"verdict", health == Health::Bad ? "fail" : word.word}, {"detail", detail}};
             if (!remedy.empty())
                 found["remedy"] = remedy;
             return output.AddElement(found);
@@ -107,7 +108,8 @@ private:
     {
         if (!Exists(m_work.arguments.modulePath))
             return AddBad("module", "there is no " + m_work.arguments.modulePath,
-                          "install the module beside this program, or say with --module where it is", ExitCode::NotFound);
+                          "install the module beside this program, or say with --module where it is",
+                          ExitCode::NotFound);
         try
         {
             Add("module", Health::Good,
@@ -129,7 +131,8 @@ private:
         catch (const Failure &failure)
         {
             return AddBad("ProgramFiles", "the environment variable is not set",
-                          "set it, or give --program-files: the folder that holds \"Quenor Corporation\"", failure.code);
+                          "set it, or give --program-files: the folder that holds \"Quenor Corporation\"",
+                          failure.code);
         }
         std::string value;
         Platform::ReadEnvironmentVariable("ProgramFiles", value);

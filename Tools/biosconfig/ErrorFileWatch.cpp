@@ -92,7 +92,9 @@ std::vector<RecordedError> ReadRecordedErrors(const std::string &path)
     return errors;
 }
 
-ErrorFileWatch::ErrorFileWatch(std::string path) : m_path(std::move(path)), m_known(ReadRecordedErrors(m_path).size()) {}
+ErrorFileWatch::ErrorFileWatch(std::string path) : m_path(std::move(path)), m_known(ReadRecordedErrors(m_path).size())
+{
+}
 
 std::vector<RecordedError> ErrorFileWatch::NewErrors() const
 {

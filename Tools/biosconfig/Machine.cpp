@@ -43,8 +43,8 @@ void RunOrRefuse(const std::string &directory, const std::string &command, const
     if (run.exitCode == Platform::kUnknownExitCode)
         throw Failure(ExitCode::ToolFailed, "the external tool crashed: " + program + " " + command);
     if (run.exitCode != 0)
-        throw Failure(failed, "the external tool ended with exit code " + std::to_string(run.exitCode) + ": " + program +
-                                  " " + command + hint);
+        throw Failure(failed, "the external tool ended with exit code " + std::to_string(run.exitCode) + ": " +
+                                  program + " " + command + hint);
 }
 
 constexpr const char *kStatusHint = "; the BIOS interface is off, or this user may not use it: enable it in the BIOS "
@@ -64,8 +64,9 @@ std::string ToolPlace(const Arguments &arguments)
         Platform::WriteEnvironmentVariable(kProgramFiles, arguments.programFiles);
     std::string directory;
     if (GetEnvironmentalVaribaleBiosLib(kProgramFiles, directory) != StatusCode::Success)
-        throw Failure(ExitCode::NoTool, "the environment variable ProgramFiles, which locates the external tool, is not "
-                                        "set; set it, give --program-files, or read a dump with --from");
+        throw Failure(ExitCode::NoTool,
+                      "the environment variable ProgramFiles, which locates the external tool, is not "
+                      "set; set it, give --program-files, or read a dump with --from");
     return directory;
 }
 
@@ -105,8 +106,8 @@ LoadedOptions ReadMachine(const Arguments &arguments, const Steps &steps, Output
     }
     catch (const Failure &failure)
     {
-        throw Failure(ExitCode::ToolFailed, "the external tool ended well, but its dump is of no use: " +
-                                                std::string(failure.what()));
+        throw Failure(ExitCode::ToolFailed,
+                      "the external tool ended well, but its dump is of no use: " + std::string(failure.what()));
     }
 }
 

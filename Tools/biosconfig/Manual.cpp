@@ -30,7 +30,8 @@ std::string Roff(std::string_view text)
 std::string Capitals(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(),
-                   [](char letter) { return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter; });
+                   [](char letter)
+                   { return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter; });
     return text;
 }
 

@@ -46,7 +46,8 @@ ModuleHost::ModuleHost(const std::string &path) : m_library(FullPath(path), m_lo
     auto *const create = m_library.Find<decltype(CreateBiosConfigModule)>("CreateBiosConfigModule");
     auto *const destroy = m_library.Find<Destroy>("DestroyBiosConfigModule");
     if (!create || !destroy)
-        throw Failure(ExitCode::Unexpected, path + " is not a BIOS configuration module: it lacks the module's exports");
+        throw Failure(ExitCode::Unexpected,
+                      path + " is not a BIOS configuration module: it lacks the module's exports");
     m_module = {create(), destroy};
     if (!m_module)
         throw Failure(ExitCode::Unexpected, "the module could not create its object");
@@ -66,7 +67,7 @@ void ModuleHost::Initialise(const std::string &toolDirectory)
         m_capabilities.emplace_back(capability);
     if (status != StatusCode::Success)
         throw Failure(ExitCode::Unexpected, "the module does not accept the tool directory " + toolDirectory +
-                                              " (InitModule: " + Describe(status) + ")");
+                                                " (InitModule: " + Describe(status) + ")");
 }
 
 bool ModuleHost::Offers(const std::string &option) const
@@ -100,6 +101,6 @@ std::string ModuleHost::UpdateSettings(const std::string &templatePath, const st
     // Those that are the tool's; all others are the module's own.
     const bool isOfTool = status == StatusCode::NotFound || status == StatusCode::ToolFailed;
     throw Failure(isOfTool ? ExitCode::ToolFailed : ExitCode::Unexpected,
-                  (message.empty() ? "the settings were not updated" : message) + " (UpdateBiosSettings: " +
-                      Describe(status) + ")");
+                  (message.empty() ? "the settings were not updated" : message) +
+                      " (UpdateBiosSettings: " + Describe(status) + ")");
 }

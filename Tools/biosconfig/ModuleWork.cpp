@@ -120,8 +120,8 @@ ExitCode JudgeTool(const std::vector<RecordedError> &errors)
         Tell("the external tool is missing, or is not executable: " + program);
         return ExitCode::NoTool;
     }
-    const bool isOff = std::any_of(errors.begin(), errors.end(), [](const RecordedError &error)
-                                   { return error.message == "Failed to initialise"; });
+    const bool isOff = std::any_of(errors.begin(), errors.end(),
+                                   [](const RecordedError &error) { return error.message == "Failed to initialise"; });
     return isOff ? ExitCode::NotPermitted : ExitCode::ToolFailed;
 }
 
@@ -255,5 +255,6 @@ std::string DescribeModule(const Arguments &arguments)
     ModuleHost module(arguments.modulePath);
     module.Initialise(place.Directory());
     return arguments.modulePath + ", \"" + module.Name() + "\", offers " +
-           std::to_string(module.Capabilities().size()) + (module.Capabilities().size() == 1 ? " capability" : " capabilities");
+           std::to_string(module.Capabilities().size()) +
+           (module.Capabilities().size() == 1 ? " capability" : " capabilities");
 }

@@ -107,7 +107,8 @@ void Output::Tell(const Finding &finding, const std::string &templateName)
     json further = json::object();
     if (finding.place.line != 0)
     {
-        where = templateName + ":" + std::to_string(finding.place.line) + ":" + std::to_string(finding.place.column) + ": ";
+        where =
+            templateName + ":" + std::to_string(finding.place.line) + ":" + std::to_string(finding.place.column) + ": ";
         further["line"] = finding.place.line;
         further["column"] = finding.place.column;
     }

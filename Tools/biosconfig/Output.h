@@ -35,7 +35,8 @@ public:
     void EndArray();
 
     /// Tells the user something, on standard error and in the JSON object. Unless it is an error, not when quiet.
-    void Tell(Severity severity, std::string_view code, const std::string &message, const json &further = json::object());
+    void Tell(Severity severity, std::string_view code, const std::string &message,
+              const json &further = json::object());
     /// The same for what is to be said about a template of that name.
     void Tell(const Finding &finding, const std::string &templateName);
     /// Tells what happens, to those who want to know.

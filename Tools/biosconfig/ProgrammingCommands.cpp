@@ -31,8 +31,7 @@ struct Undertaking
 /// The kind of a template; throws Failure where its name has no ending of one.
 TemplateKind KindOfTemplate(const std::string &path)
 {
-    const std::string ending =
-        LowerAscii(Platform::FromFilesystemPath(Platform::ToFilesystemPath(path).extension()));
+    const std::string ending = LowerAscii(Platform::FromFilesystemPath(Platform::ToFilesystemPath(path).extension()));
     if (ending == ".txt")
         return TemplateKind::Text;
     if (ending == ".ini")
@@ -82,12 +81,16 @@ std::string PlanText(const Plan &plan, const std::vector<Verdict> &verdicts, con
     {
         const PlannedChange &change = plan.changes[index];
         const BiosOption &option = *change.option;
-        const std::string_view outcome = !isPlan ? VerdictName(verdicts[index]) : change.isToDo ? "program" : "unchanged";
+        const std::string_view outcome = !isPlan         ? VerdictName(verdicts[index])
+                                         : change.isToDo ? "program"
+                                                         : "unchanged";
         const bool isBad = !isPlan && verdicts[index] >= Verdict::Rejected;
         table.AddRow({{std::string(option.name), Look::Name},
                       {ShownValue(option, option.currentValue)},
                       {ShownValue(option, change.newValue), change.isToDo ? Look::Changed : Look::Faint},
-                      {std::string(outcome), isBad ? Look::Bad : change.isToDo ? Look::Good : Look::Faint}});
+                      {std::string(outcome), isBad           ? Look::Bad
+                                             : change.isToDo ? Look::Good
+                                                             : Look::Faint}});
     }
     return table.Text(terminal);
 }
@@ -162,12 +165,13 @@ ExitCode JudgeVerdicts(const std::vector<Verdict> &verdicts)
     return count(Verdict::PendingRestart) + count(Verdict::InEffect) > 0 ? ExitCode::InPart : ExitCode::ToolFailed;
 }
 
-/// The verdicts of a plan without anything to program.
-std::vector<Verdict> VerdictsOfNothing(const Plan &plan)
+/// The verdicts of what was read back, or, without anything to program, of what had been read before.
+std::vector<Verdict> VerdictsOf(const Plan &plan, const OptionTable &table)
 {
+    const bool tellsPending = TellsPending(table);
     std::vector<Verdict> verdicts;
     for (const PlannedChange &change : plan.changes)
-        verdicts.push_back(change.option->pendingValue ? Verdict::PendingRestart : Verdict::Unchanged);
+        verdicts.push_back(Verify(change, table, tellsPending));
     return verdicts;
 }
 
@@ -193,9 +197,7 @@ std::vector<Verdict> Apply(const Work &work, const Undertaking &undertaking, Exi
         return verdicts;
     }
     const LoadedOptions after = ReadMachine(work.arguments, work.steps, work.output);
-    const bool tellsPending = TellsPending(after.table);
-    for (const PlannedChange &change : plan.changes)
-        verdicts.push_back(Verify(change, after.table, tellsPending));
+    verdicts = VerdictsOf(plan, after.table);
     code = JudgeVerdicts(verdicts);
     if (code == ExitCode::Mismatch || code == ExitCode::InPart || code == ExitCode::ToolFailed)
         work.output.Tell(Severity::Error, MeaningOf(code).word,
@@ -214,14 +216,15 @@ ExitCode CarryOut(const Work &work, const Undertaking &undertaking)
         return ExitCode::NotValid;
     }
     if (undertaking.before.isDamaged && !work.arguments.isDryRun)
-        throw Failure(ExitCode::ToolFailed, "the external tool's dump is damaged, so the plan cannot be trusted; nothing "
-                                            "was programmed");
+        throw Failure(ExitCode::ToolFailed,
+                      "the external tool's dump is damaged, so the plan cannot be trusted; nothing "
+                      "was programmed");
     const bool hasToDo = plan.ToDo() > 0;
     ExitCode code = ExitCode::Done;
     if (work.arguments.isDryRun)
         AddPlan(work, plan, {});
     else if (!hasToDo)
-        AddPlan(work, plan, VerdictsOfNothing(plan));
+        AddPlan(work, plan, VerdictsOf(plan, undertaking.before.table));
     else if (!IsAgreed(work, plan))
         throw Failure(ExitCode::NotPermitted, "not agreed; nothing was programmed");
     else
@@ -251,8 +254,7 @@ ExitCode SetOptions(const Work &work)
     Undertaking undertaking(ReadOptions(work.arguments, work.steps, work.output));
     if (work.arguments.isRedacted)
         MarkRedacted(undertaking.before.table, work.arguments.redactedToo);
-    undertaking.plan =
-        MakePlan(undertaking.before.table, ReadAssignments(work.arguments.words), TemplateKind::Text);
+    undertaking.plan = MakePlan(undertaking.before.table, ReadAssignments(work.arguments.words), TemplateKind::Text);
     const ExitCode code = CarryOut(work, undertaking);
     const std::vector<Finding> &findings = undertaking.plan.findings;
     const bool isUnknown = std::any_of(findings.begin(), findings.end(),

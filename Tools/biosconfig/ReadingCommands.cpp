@@ -47,9 +47,9 @@ void ListAsCsv(const std::vector<const BiosOption *> &options, Output &output)
     output.Add("Name,Value,Prompt,Page,Default,Changed\n");
     for (const BiosOption *const option : options)
     {
-        const std::string cells[] = {std::string(option->name),   ValueText(*option, option->currentValue),
-                                     std::string(option->prompt), std::string(option->page),
-                                     ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
+        const std::string cells[] = {
+            std::string(option->name), ValueText(*option, option->currentValue), std::string(option->prompt),
+            std::string(option->page), ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
         std::string line;
         for (const std::string &cell : cells)
             line.append(line.empty() ? "" : ",").append(CsvCell(cell));
@@ -104,7 +104,8 @@ public:
 
     void Write()
     {
-        m_output.Add(m_output.Reader().Style(Look::Head, OneLine(m_option.name)) + "  " + OneLine(m_option.prompt) + "\n");
+        m_output.Add(m_output.Reader().Style(Look::Head, OneLine(m_option.name)) + "  " + OneLine(m_option.prompt) +
+                     "\n");
         for (const std::string &line : Wrap(m_option.help, m_columns - 2))
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
@@ -126,7 +127,8 @@ private:
         if (text.empty())
             return;
         constexpr std::size_t kTitleColumns = 12;
-        const std::string head = std::string("  ") + title + std::string(kTitleColumns - std::string(title).size(), ' ');
+        const std::string head =
+            std::string("  ") + title + std::string(kTitleColumns - std::string(title).size(), ' ');
         m_output.Add(head + m_output.Reader().Style(look, OneLine(text)) + "\n");
     }
 
@@ -169,7 +171,8 @@ private:
         for (const OptionChoice &choice : m_option.choices)
         {
             const bool isCurrent = &choice == current;
-            std::string line = std::string(isCurrent ? "  * " : "    ") + OneLine(choice.value) + "  " + OneLine(choice.text);
+            std::string line =
+                std::string(isCurrent ? "  * " : "    ") + OneLine(choice.value) + "  " + OneLine(choice.text);
             line += isCurrent ? "  [current]" : "";
             line += &choice == byDefault ? "  [default]" : "";
             m_output.Add(m_output.Reader().Style(isCurrent ? Look::Head : Look::Plain, line) + "\n");
@@ -250,8 +253,8 @@ public:
             Count(option.page, option);
         }
         // A page stands behind the one above it, whatever came between.
-        std::stable_sort(m_paths.begin(), m_paths.end(), [&](std::string_view left, std::string_view right)
-                         { return Order(left) < Order(right); });
+        std::stable_sort(m_paths.begin(), m_paths.end(),
+                         [&](std::string_view left, std::string_view right) { return Order(left) < Order(right); });
     }
 
     const std::vector<std::string_view> &Paths() const { return m_paths; }
@@ -335,7 +338,8 @@ ExitCode AddChanges(const Work &work, const std::vector<OptionChange> &changes, 
         pages.insert(change.Either().page);
     if (output.Reader().IsThere() && !work.arguments.isQuiet)
         Tell(changes.empty() ? "nothing differs"
-                             : std::to_string(changes.size()) + (changes.size() == 1 ? " option differs on " : " options differ on ") +
+                             : std::to_string(changes.size()) +
+                                   (changes.size() == 1 ? " option differs on " : " options differ on ") +
                                    std::to_string(pages.size()) + (pages.size() == 1 ? " page" : " pages"));
     if (code == ExitCode::Done && work.arguments.tellsDifferenceByExitCode && !changes.empty())
         return ExitCode::Different;
@@ -480,11 +484,11 @@ ExitCode ExportTemplate(const Work &work)
         if (value)
             assignments.push_back({option->name, values.emplace_back(*value)});
         else
-            work.output.Tell(Severity::Warning, option->isRedacted ? "redacted" : "not-writable",
-                             std::string(option->name) + " is left out: " +
-                                 (option->isRedacted ? "its value is redacted"
-                                                     : "its value is none that a template can give it"),
-                             {{"option", option->name}});
+            work.output.Tell(
+                Severity::Warning, option->isRedacted ? "redacted" : "not-writable",
+                std::string(option->name) + " is left out: " +
+                    (option->isRedacted ? "its value is redacted" : "its value is none that a template can give it"),
+                {{"option", option->name}});
     }
     work.output.Add(WriteTemplate(assignments, TemplateKind::Text));
     return code == ExitCode::Done && assignments.size() < selected.size() ? ExitCode::InPart : code;

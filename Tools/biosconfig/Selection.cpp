@@ -1,5 +1,4 @@
 #include "Commands.h"
-
 #include "Glob.h"
 
 #include <algorithm>

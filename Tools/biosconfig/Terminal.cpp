@@ -17,8 +17,8 @@ constexpr std::string_view kGap = "  ";
 constexpr std::string_view kCutMark = "\u2026";
 
 /// In the order of Look.
-constexpr std::string_view kSequences[] = {"", "\x1b[1m", "\x1b[36m", "\x1b[1;33m", "\x1b[2m", "\x1b[7m",
-                                           "\x1b[32m", "\x1b[1;31m", "\x1b[33m"};
+constexpr std::string_view kSequences[] = {"",        "\x1b[1m",  "\x1b[36m",   "\x1b[1;33m", "\x1b[2m",
+                                           "\x1b[7m", "\x1b[32m", "\x1b[1;31m", "\x1b[33m"};
 constexpr std::string_view kEndOfSequence = "\x1b[0m";
 
 struct CharacterRange
@@ -28,20 +28,21 @@ struct CharacterRange
 };
 
 /// Marks that combine with the character in front of them, and characters without a width.
-constexpr CharacterRange kNarrow[] = {{0x0300, 0x036F},   {0x0483, 0x0489},   {0x0591, 0x05BD},   {0x0610, 0x061A},
-                                      {0x064B, 0x065F},   {0x0900, 0x0902},   {0x093A, 0x093A},   {0x0E31, 0x0E31},
-                                      {0x0E34, 0x0E3A},   {0x0E47, 0x0E4E},   {0x1AB0, 0x1AFF},   {0x1DC0, 0x1DFF},
-                                      {0x200B, 0x200F},   {0x20D0, 0x20FF},   {0xFE00, 0xFE0F},   {0xFE20, 0xFE2F}};
+constexpr CharacterRange kNarrow[] = {{0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A},
+                                      {0x064B, 0x065F}, {0x0900, 0x0902}, {0x093A, 0x093A}, {0x0E31, 0x0E31},
+                                      {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF},
+                                      {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}};
 /// East Asian wide characters and pictures.
-constexpr CharacterRange kWide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},   {0x3400, 0x4DBF},
-                                    {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
-                                    {0xFE30, 0xFE4F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},   {0x1F300, 0x1F64F},
+constexpr CharacterRange kWide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},  {0x3041, 0x33FF}, {0x3400, 0x4DBF},
+                                    {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},  {0xAC00, 0xD7A3}, {0xF900, 0xFAFF},
+                                    {0xFE30, 0xFE4F},   {0xFF00, 0xFF60},  {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F},
                                     {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
 
 template <std::size_t Count>
 bool IsIn(const CharacterRange (&ranges)[Count], std::uint32_t character)
 {
-    return std::any_of(std::begin(ranges), std::end(ranges), [character](const CharacterRange &range)
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [character](const CharacterRange &range)
                        { return character >= range.first && character <= range.last; });
 }
 
