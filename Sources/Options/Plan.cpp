@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -17,6 +18,11 @@ constexpr int kMostNearestNames = 20;
 std::string_view EffectiveValue(const BiosOption &option)
 {
     return option.pendingValue.value_or(option.currentValue);
+}
+
+bool StandsBefore(const Finding &left, const Finding &right)
+{
+    return std::tie(left.place.line, left.place.column) < std::tie(right.place.line, right.place.column);
 }
 
 /// Makes one plan.
@@ -39,8 +45,7 @@ public:
         if (m_plan.IsSound() && m_plan.ToDo() == 0)
             Add(Severity::Note, {}, "nothing-to-do",
                 m_plan.changes.empty() ? "nothing is assigned" : "every option has its value already");
-        std::stable_sort(m_plan.findings.begin(), m_plan.findings.end(),
-                         [](const Finding &left, const Finding &right) { return left.place.line < right.place.line; });
+        std::stable_sort(m_plan.findings.begin(), m_plan.findings.end(), StandsBefore);
         return std::move(m_plan);
     }
 

@@ -16,13 +16,10 @@ using namespace TestSupport;
 
 /// A choice, a number of one byte, a text of eight bytes, an option that a condition grays out, and one that waits.
 constexpr const char *kKnobs = R"XML(
-<knob setupType="oneof" name="Mode" prompt="Start mode" SetupPgPtr="Boot/Mode" size="1" default="0x0" CurrentVal="0x01">
- <options><option text="auto" value="0x2"/><option text="UEFI" value="0x0"/><option text="Legacy" value="0x1"/>
- <option text="AUTO" value="0x3"/><option text="2" value="0x5"/></options></knob>
+<knob setupType="oneof" name="Mode" prompt="Start mode" SetupPgPtr="Boot/Mode" size="1" default="0x0" CurrentVal="0x01"><options><option text="auto" value="0x2"/><option text="UEFI" value="0x0"/><option text="Legacy" value="0x1"/><option text="AUTO" value="0x3"/><option text="2" value="0x5"/></options></knob>
 <knob setupType="numeric" name="Delay" prompt="NA" SetupPgPtr="Boot" size="0x1" default="0xA" CurrentVal="0x0A"/>
 <knob setupType="text" name="Label" prompt="Rack" SetupPgPtr="Main" size="8" default="" CurrentVal="bench"/>
-<knob setupType="checkbox" name="Deep" prompt="Deep" depex="GrayIf(Mode == 0x1)" size="1" default="0x0" CurrentVal="0x0">
- <options><option text="No" value="0x0"/><option text="Yes" value="0x1"/></options></knob>
+<knob setupType="checkbox" name="Deep" prompt="Deep" depex="GrayIf(Mode == 0x1)" size="1" default="0x0" CurrentVal="0x0"><options><option text="No" value="0x0"/><option text="Yes" value="0x1"/></options></knob>
 <knob setupType="numeric" name="Waits" prompt="Waits" size="8" default="0x1" CurrentVal="0x1" PendingVal="0x2"/>
 <knob setupType="text" name="TpmDevice" default="" CurrentVal=""/><knob name="Bare"/><knob name="Delay" CurrentVal="0x1"/>)XML";
 
