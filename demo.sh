@@ -49,6 +49,20 @@ show_reports_and_update() {
     echo "after the restart:  $(row_of demo/restarted.xml BootFast)"
 }
 
+# show COMMAND...: a command of biosconfig, and what it says.
+show() {
+    echo "$ biosconfig $*"
+    build/demo/bin/biosconfig "$@"
+    echo
+}
+
+show_command_line() {
+    show list 'Boot*'
+    show show BootFast
+    show diff --defaults
+}
+
 phase "Installing" cmake/install-packages.sh </dev/null
 phase "Building" build
 step "Reporting" show_reports_and_update
+step "At the command line" show_command_line

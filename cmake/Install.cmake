@@ -15,6 +15,24 @@ set(package_place ${CMAKE_INSTALL_LIBDIR}/cmake/BiosConfigModule)
 target_include_directories(Headers INTERFACE $<INSTALL_INTERFACE:${header_place}>)
 
 install(TARGETS Headers BiosConfigModule SingletonManager biosconfig EXPORT BiosConfigModule)
+if(NOT WIN32)
+  # The manual page and the completions, made by the program itself.
+  set(made ${CMAKE_BINARY_DIR}/made)
+  if(NOT CMAKE_CROSSCOMPILING)
+    add_custom_command(OUTPUT ${made}/biosconfig.1 ${made}/biosconfig ${made}/_biosconfig ${made}/biosconfig.fish
+      COMMAND ${CMAKE_COMMAND} -E make_directory ${made}
+      COMMAND biosconfig manual-page -o ${made}/biosconfig.1
+      COMMAND biosconfig completion bash -o ${made}/biosconfig
+      COMMAND biosconfig completion zsh -o ${made}/_biosconfig
+      COMMAND biosconfig completion fish -o ${made}/biosconfig.fish
+      DEPENDS biosconfig VERBATIM)
+    add_custom_target(MadeByBiosconfig ALL DEPENDS ${made}/biosconfig.1)
+    install(FILES ${made}/biosconfig.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES ${made}/biosconfig DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+    install(FILES ${made}/_biosconfig DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+    install(FILES ${made}/biosconfig.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  endif()
+endif()
 install(TARGETS FenrikCmd DESTINATION ${stand_in_place})
 if(BIOSCONFIG_WINDOWS_LIBRARIES)
   install(DIRECTORY ${BIOSCONFIG_WINDOWS_LIBRARIES}/share/copyright/ DESTINATION Docs/ThirdParty)

@@ -105,12 +105,15 @@ TEST_F(FenrikCmdTest, FirmwareIsSoundAndTheSameEveryTime)
 
 TEST_F(FenrikCmdTest, ProgrammedValuesTakeEffectWithTheRestart)
 {
-    const std::string before = Dump();
     EXPECT_EQ(Program("BootFast=1").exitCode, kDone);
     EXPECT_EQ(Program("BootMode==Legacy\r\nAssetTag==\r\nSystemOwner=é \"x\" <y> & z").exitCode, kDone);
-    EXPECT_EQ(Dump(), before);
+    const std::string waiting = Dump();
+    EXPECT_EQ(Evaluate(waiting, "//knob[@name='BootMode']/@CurrentVal"), "0x1");
+    EXPECT_EQ(Evaluate(waiting, "//knob[@name='BootMode']/@PendingVal"), "0x0");
+    EXPECT_EQ(Evaluate(waiting, "count(//@PendingVal)"), "4");
     RunWell("restart");
     const std::string after = Dump();
+    EXPECT_EQ(Evaluate(after, "count(//@PendingVal)"), "0");
     EXPECT_EQ(Evaluate(after, "//knob[@name='BootFast']/@CurrentVal"), "0x1");
     EXPECT_EQ(Evaluate(after, "//knob[@name='AssetTag']/@CurrentVal"), "");
     EXPECT_EQ(Evaluate(after, "//knob[@name='SystemOwner']/@CurrentVal"), "é \"x\" <y> & z");

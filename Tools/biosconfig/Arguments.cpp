@@ -83,11 +83,11 @@ constexpr CommandLine kCommands[] = {
      "Prints what the module offers, one capability per line: name, tab, description"},
     {Command::Doctor, "doctor", "", 0, 0, kTool | kModule | kShown | kJson | kOutput,
      "Checks what is needed, and says how to mend what is not there"},
-    {Command::Completion, "completion", "SHELL", 1, 1, 0,
+    {Command::Completion, "completion", "SHELL", 1, 1, kOutput,
      "Prints a script that completes command lines in bash, zsh, fish or powershell"},
     {Command::Help, "help", "[COMMAND]", 0, 1, 0, "Shows this help, or that of a command"},
     {Command::Complete, "complete-words", "[WORD...]", 0, kAnyNumber, 0, "Completes a command line", true},
-    {Command::Manual, "manual-page", "", 0, 0, 0, "Prints the manual page", true}};
+    {Command::Manual, "manual-page", "", 0, 0, kOutput, "Prints the manual page", true}};
 
 constexpr const char *kToolTopic =
     R"(Options are read, and programmed, by an external tool that is found through the environment variable

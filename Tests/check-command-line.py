@@ -1,0 +1,184 @@
+#!/usr/bin/env python3
+"""check-command-line.py BIOSCONFIG FENRIKCMD [--update]: what biosconfig shows on a terminal, in golden files, and what
+it gives to programs, against the schemas. Ends with 77 when a Python module for that is missing. With --update the
+golden files are written anew."""
+import fcntl
+import json
+import os
+import pathlib
+import pty
+import re
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import termios
+import time
+import warnings
+
+try:
+    import jsonschema
+except ImportError:
+    print("skipped: the Python module jsonschema is not installed (python3-jsonschema)")
+    sys.exit(77)
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+GOLDEN = ROOT / "Tests/Data/CommandLine"
+SMALL = ROOT / "Tests/Data/SmallFirmware.xml"
+PROGRAM, TOOL = (os.path.abspath(path) for path in sys.argv[1:3])
+UPDATE = "--update" in sys.argv
+failures = 0
+warnings.simplefilter("ignore", DeprecationWarning)
+
+
+def check(holds, message):
+    global failures
+    if not holds:
+        failures += 1
+        print("FAILED:", message)
+
+
+def lay_out(work):
+    place = work / "programs/Quenor Corporation/Quenor(R) Tarnwell Tool/SupportedBinaries/FENRIK/FenrikBinary"
+    place.mkdir(parents=True)
+    shutil.copy(TOOL, place)
+    shutil.copy(SMALL, work / "small.xml")
+    (work / "good.txt").write_text("QuietBoot=disabled\n;PostDelay=12\n")
+    (work / "bad.txt").write_text("QuietBot=1;PostDelay=300\n")
+    os.environ.update(BIOSCONFIG_PROGRAM_FILES=str(work / "programs"), TERM="xterm")
+    for name in ("NO_COLOR", "COLUMNS", "FENRIKCMD_FAULT", "BIOSCONFIG_TOOL_DIR", "BIOSCONFIG_TIMEOUT"):
+        os.environ.pop(name, None)
+    os.chdir(work)
+
+
+def on_terminal(columns, arguments, answer=b"", **environment):
+    """What a terminal of that width gets from a run, and the exit code; the answer is given when there is a question."""
+    child, terminal = pty.fork()
+    if child == 0:
+        fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", 40, columns, 0, 0))
+        os.execve(PROGRAM, ["biosconfig", *arguments], {**os.environ, **environment})
+    shown = b""
+    while True:
+        try:
+            piece = os.read(terminal, 65536)
+        except OSError:
+            break
+        if not piece:
+            break
+        shown += piece
+        if answer and b"[y/N]" in shown:
+            os.write(terminal, answer)
+            answer = b""
+    return shown.replace(b"\r\n", b"\n").decode(), os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+
+
+def run(*arguments, **settings):
+    return subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, **settings)
+
+
+def compare(name, text):
+    path = GOLDEN / name
+    if UPDATE:
+        path.write_text(text)
+    check(path.exists() and path.read_text() == text, f"{name} is another one:\n{text}")
+
+
+def check_terminals():
+    small = ["--from", "small.xml"]
+    for name, arguments in {"list": ["list", *small], "show": ["show", "FanCurve", "StrangeLevel", *small],
+                            "search": ["search", "start", *small], "pages": ["pages", *small],
+                            "diff": ["diff", "--defaults", *small],
+                            "check": ["check", "good.txt", *small]}.items():
+        for columns in (80, 120):
+            compare(f"{name}-{columns}.txt", on_terminal(columns, arguments, NO_COLOR="1")[0])
+    compare("list-color.txt", on_terminal(80, ["list", *small])[0])
+    compare("help.txt", run("--help").stdout)
+    shown, _ = on_terminal(80, ["list", *small], TERM="dumb")
+    check("\x1b" not in shown, "colour on a terminal that knows none")
+    check("\x1b" in run("list", "--color", "always", *small).stdout, "no colour where it is wished for")
+    check("\x1b" not in run("list", *small).stdout and "NAME" not in run("list", *small).stdout, "manners of a terminal in a pipe")
+
+
+def check_questions():
+    shown, code = on_terminal(80, ["set", "BootFast=Enabled"], answer=b"n\n")
+    check(code == 9 and "Program 1 option? [y/N]" in shown and "nothing was programmed" in shown, f"a no: {code} {shown}")
+    shown, code = on_terminal(80, ["set", "BootFast=Enabled"], answer=b"y\n", NO_COLOR="1")
+    check(code == 0 and shown.endswith("BootFast  Disabled  Enabled  pending restart\n"), f"a yes: {code} {shown}")
+    check(on_terminal(80, ["set", "BootFast=Disabled", "--yes"])[1] == 0, "--yes asks")
+    shown, code = on_terminal(80, ["list", "--timeout", "2"], FENRIKCMD_FAULT="savexml=hang")
+    check(code == 8 and "external tool ... 1 s\r\x1b[K" in shown, f"progress: {code} {shown!r}")
+
+
+def check_json():
+    small = ["--from", "small.xml"]
+    calls = {"list": ["list"], "get": ["get", "PostDelay", "Nope"], "show": ["show", "Bare", "--redact"],
+             "search": ["search", "fan"], "export": ["export"], "pages": ["pages"], "check": ["check", "bad.txt"],
+             "diff": ["diff", "small.xml"], "update": ["update", "good.txt", "--dry-run"],
+             "set": ["set", "PostDelay=12", "--dry-run"], "reset": ["reset", "--all", "--dry-run"]}
+    runs = [(name, [*call, *small]) for name, call in calls.items()]
+    runs += [("set", ["set", "BootNumLock=Off", "AssetTag=x"]), ("update", ["update", "missing.txt"]), ("doctor", ["doctor"]),
+             ("diff", ["diff", "small.xml", "--redact"]), ("show", ["show", "BootFast"]), ("list", ["list", "--from", "nowhere"])]
+    for name, arguments in runs:
+        schema = json.loads((ROOT / f"Docs/Schemas/{name}.schema.json").read_text())
+        resolver = jsonschema.RefResolver(f"file://{ROOT}/Docs/Schemas/", schema)
+        outcome = run(*arguments, "--json")
+        try:
+            document = json.loads(outcome.stdout)
+            jsonschema.Draft7Validator(schema, resolver=resolver).validate(document)
+            check(outcome.returncode == 0 or document["errors"], f"{arguments} fails without a word")
+        except Exception as error:
+            check(False, f"{arguments}: {error}\n{outcome.stdout[:500]}{outcome.stderr}")
+    secrets = ["Läb 7", "rack B"]
+    for arguments in (["list"], ["list", "--json"], ["list", "--csv"], ["show", "AssetTag"], ["get", "AssetTag"], ["export"],
+                      ["export", "--json"], ["diff", "--defaults"], ["diff", "--defaults", "--json"],
+                      ["reset", "--all", "--dry-run"], ["set", "AssetTag=Läb 7", "--dry-run", "--json"]):
+        outcome = run(*arguments, "--redact", *small)
+        check(not any(secret in outcome.stdout + outcome.stderr for secret in secrets), f"{arguments} leaks")
+
+
+def check_streams():
+    small = "--from small.xml"
+    for command, code in ((f"'{PROGRAM}' list {small} >&-", 1), (f"'{PROGRAM}' list {small} >/dev/full", 1),
+                          (f"'{PROGRAM}' list {small} <&- 2>&- >/dev/null", 0),
+                          (f"'{PROGRAM}' set BootFast=Disabled <&- >&- 2>&-", 1)):
+        check(subprocess.run(["bash", "-c", command], stderr=subprocess.DEVNULL).returncode == code, command)
+    check(not [name for name in os.listdir(tempfile.gettempdir()) if name.startswith("biosconfig-")], "temporary files are left")
+
+
+def check_completion():
+    def complete(line):
+        script = (f"source <('{PROGRAM}' completion bash); COMP_LINE=$1 COMP_POINT=${{#1}} COMPREPLY=(); "
+                  '_biosconfig; printf "%s\\n" "${COMPREPLY[@]}"')
+        found = subprocess.run(["bash", "-c", script, "bash", line.replace("biosconfig", PROGRAM, 1)], capture_output=True, text=True)
+        return found.stdout.split("\n")[:-1]
+    run("list")
+    for line, words in {"biosconfig comp": ["completion"], "biosconfig get BootF": ["BootFast"],
+                        "biosconfig set BootFast=": ["Disabled", "Enabled"], "biosconfig list --chan": ["--changed"],
+                        "biosconfig list --color ": ["auto", "always", "never"], "biosconfig check go": ["good.txt"],
+                        "biosconfig list --page Boot/M": ["Boot/Mode"], "biosconfig help pag": ["pages"]}.items():
+        check(complete(line) == words, f"{line!r} is completed by {complete(line)}")
+
+
+def check_documents():
+    page = (ROOT / "Docs/CommandLine.md").read_text()
+    codes = re.search(r"Exit codes:\n((?: +\d+  .*\n)+)", run("--help").stdout).group(1)
+    for number, text in re.findall(r" +(\d+)  (.*)\n", codes):
+        check(f"| {number} | {text} |" in page, f"Docs/CommandLine.md lacks exit code {number}, {text}")
+    for name in re.findall(r"^  ([a-z]+)  ", run("--help").stdout, re.M):
+        check(f"`{name}" in page, f"Docs/CommandLine.md lacks the command {name}")
+    if shutil.which("groff"):
+        linted = subprocess.run(["groff", "-man", "-ww", "-z", "-Kutf8"], input=run("manual-page").stdout, capture_output=True, text=True)
+        check(not linted.stderr, f"the manual page: {linted.stderr}")
+
+
+with tempfile.TemporaryDirectory() as directory:
+    os.environ["TMPDIR"] = tempfile.tempdir = directory + "/temporary"
+    os.mkdir(tempfile.tempdir)
+    lay_out(pathlib.Path(directory))
+    GOLDEN.mkdir(exist_ok=True)
+    for group in (check_terminals, check_json, check_questions, check_streams, check_completion, check_documents):
+        start = time.monotonic()
+        group()
+        print(f"{group.__name__}: {time.monotonic() - start:.1f} s")
+sys.exit(1 if failures else 0)
