@@ -9,6 +9,7 @@ import pathlib
 import pty
 import re
 import shutil
+import signal
 import struct
 import subprocess
 import sys
@@ -143,6 +144,12 @@ def check_streams():
                           (f"'{PROGRAM}' list {small} <&- 2>&- >/dev/null", 0),
                           (f"'{PROGRAM}' set BootFast=Disabled <&- >&- 2>&-", 1)):
         check(subprocess.run(["bash", "-c", command], stderr=subprocess.DEVNULL).returncode == code, command)
+    tool = subprocess.Popen([PROGRAM, "list"], env={**os.environ, "FENRIKCMD_FAULT": "hang"})
+    time.sleep(0.5)
+    tool.send_signal(signal.SIGINT)
+    check(tool.wait(20) == -signal.SIGINT, "Ctrl-C")
+    running = subprocess.run(["pgrep", "-f", os.environ["BIOSCONFIG_PROGRAM_FILES"]], capture_output=True, text=True)
+    check(not running.stdout, "the tool runs on")
     check(not [name for name in os.listdir(tempfile.gettempdir()) if name.startswith("biosconfig-")], "temporary files are left")
 
 

@@ -340,7 +340,7 @@ struct ToolFault
 
 constexpr ToolFault kToolFaults[] = {
     {"exit:3", kNotPermitted, "ended with exit code 3"},
-    {"crash", kToolFailed, "the external tool "},
+    {"savexml=crash", kToolFailed, "the external tool "},
     {"savexml=exit:4", kToolFailed, "FenrikCmd.exe savexml"},
     {"nodump", kToolFailed, "cannot read the dump"},
     {"wrongroot", kToolFailed, "is no dump of BIOS options"},
