@@ -137,9 +137,9 @@ OptionTable::OptionTable(KnobList &&knobs, const FurtherDetails &further)
     for (const KnobDetails &knob : m_knobs)
     {
         m_options.push_back(MakeOption(knob));
-        const auto found = m_further.find(&knob);
-        if (found != m_further.end())
-            m_options.back().pendingValue = found->second.pendingValue;
+        const auto found = m_further.pendingValues.find(&knob);
+        if (found != m_further.pendingValues.end())
+            m_options.back().pendingValue = found->second;
     }
 }
 

@@ -70,6 +70,9 @@ public:
     OptionTable(OptionTable &&) = default;
     OptionTable &operator=(OptionTable &&) = delete;
 
+    /// Whether the dump tells which values wait for a restart.
+    bool TellsPending() const { return m_further.tellsPending || !m_further.pendingValues.empty(); }
+
     const std::vector<BiosOption> &Options() const { return m_options; }
     std::vector<BiosOption> &Options() { return m_options; }
 

@@ -163,7 +163,7 @@ std::string_view VerdictName(Verdict verdict)
     return kNames[static_cast<std::size_t>(verdict)];
 }
 
-Verdict Verify(const PlannedChange &change, const OptionTable &after, bool tellsPending)
+Verdict Verify(const PlannedChange &change, const OptionTable &after)
 {
     const BiosOption *const option = after.Find(change.option->name);
     if (!option)
@@ -175,11 +175,5 @@ Verdict Verify(const PlannedChange &change, const OptionTable &after, bool tells
         return isNew(*option->pendingValue) ? Verdict::PendingRestart : Verdict::Mismatch;
     if (!IsSameValue(*option, option->currentValue, change.option->currentValue))
         return Verdict::Mismatch;
-    return tellsPending ? Verdict::Rejected : Verdict::PendingRestart;
-}
-
-bool TellsPending(const OptionTable &table)
-{
-    return std::any_of(table.Options().begin(), table.Options().end(),
-                       [](const BiosOption &option) { return option.pendingValue.has_value(); });
+    return after.TellsPending() ? Verdict::Rejected : Verdict::PendingRestart;
 }

@@ -60,9 +60,6 @@ enum class Verdict
 /// The words for it: "pending restart", "in effect", "unchanged", "rejected", "mismatch".
 std::string_view VerdictName(Verdict verdict);
 
-/// Judges a planned change by what was read back behind it. `tellsPending`: the tool tells what waits for a restart, so
-/// that a change of which it tells nothing was not taken.
-Verdict Verify(const PlannedChange &change, const OptionTable &after, bool tellsPending);
-
-/// Whether a table tells what waits for a restart.
-bool TellsPending(const OptionTable &table);
+/// Judges a planned change by what was read back behind it. Where the dump tells what waits for a restart, a change of
+/// which it tells nothing was not taken.
+Verdict Verify(const PlannedChange &change, const OptionTable &after);

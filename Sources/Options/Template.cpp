@@ -56,8 +56,10 @@ private:
 void TakeTextRecord(const TemplateRecord &record, PlaceCounter &places, TemplateContent &content)
 {
     const std::string_view name = Trim(record.assignment.name);
+    // What is no assignment may be a value that is not to be told.
+    const std::string option(record.isAssignment ? name : std::string_view());
     const auto add = [&](Severity severity, TemplatePlace place, std::string_view code, std::string message) {
-        content.findings.push_back({severity, place, std::string(name), code, std::move(message)});
+        content.findings.push_back({severity, place, option, code, std::move(message)});
     };
     if (!record.isAssignment && name.empty())
         return; // behind the last ";"
@@ -75,9 +77,8 @@ void TakeTextRecord(const TemplateRecord &record, PlaceCounter &places, Template
     if (!IsBlank(record.rest))
     {
         const std::string_view rest = Trim(record.rest);
-        const std::string_view line = rest.substr(0, rest.find('\n'));
         add(Severity::Error, places.Of(rest), "text-behind-value",
-            "\"" + std::string(line) + "\" would be left out: a value ends with its line, and a \";\" is missing here");
+            "what stands here would be left out: a value ends with its line, and a \";\" is missing");
     }
     content.assignments.push_back({name, Trim(record.assignment.value), place});
 }
@@ -91,8 +92,8 @@ void TakeKnobFileLine(std::string_view line, TemplatePlace place, TemplateConten
     const std::size_t equals = line.find('=');
     const std::string_view name = Trim(line.substr(0, equals));
     if (equals == std::string_view::npos)
-        return content.findings.push_back({Severity::Error, place, std::string(name), "no-assignment",
-                                           "this is neither an assignment, a section nor a comment"});
+        return content.findings.push_back(
+            {Severity::Error, place, "", "no-assignment", "this is neither an assignment, a section nor a comment"});
     const std::size_t width = line.substr(equals).starts_with("==") ? 2 : 1;
     const std::string_view value = Trim(line.substr(equals + width));
     if (!name.empty())
@@ -129,16 +130,17 @@ TemplateContent ReadTemplate(std::string_view text, TemplateKind kind)
 TemplateContent ReadAssignments(const std::vector<std::string> &arguments)
 {
     TemplateContent content;
-    for (const std::string_view argument : arguments)
+    for (std::size_t index = 0; index < arguments.size(); ++index)
     {
+        const std::string_view argument = arguments[index];
         const std::size_t equals = argument.find('=');
         const std::string_view name = Trim(argument.substr(0, equals));
         if (equals == std::string_view::npos || name.empty())
             content.findings.push_back({Severity::Error,
                                         {},
-                                        std::string(name),
+                                        "",
                                         "no-assignment",
-                                        "\"" + std::string(argument) + "\" is not of the form NAME=VALUE"});
+                                        "assignment " + std::to_string(index + 1) + " is not of the form NAME=VALUE"});
         else
             content.assignments.push_back({name, Trim(argument.substr(equals + 1)), {}});
     }

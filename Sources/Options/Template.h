@@ -59,7 +59,9 @@ struct TemplateAssignment
 struct TemplateContent
 {
     std::vector<TemplateAssignment> assignments;
+    /// Only the first of all line breaks that became parts of names is among them.
     std::vector<Finding> findings;
+    bool hasLineBreakInName = false;
 };
 
 /// Reads a template whose lines end in "\n". `text` must outlive what is returned. Linear in its length.

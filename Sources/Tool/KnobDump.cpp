@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr const char *kDumpFile = "FenrikOutput.xml";
+constexpr const char *kPendingCount = "pending";
 constexpr const char *kPendingValue = "PendingVal";
 
 /// The tool's own entry for its security device; not a BIOS option.
@@ -187,7 +188,7 @@ void CollectFurther(xmlNodePtr node, const KnobDetails &knob, FurtherDetails &fu
 {
     const CCXmlValueOwner pending = CCXmlReadAttribute(node, kPendingValue);
     if (pending)
-        further[&knob].pendingValue = pending.get();
+        further.pendingValues[&knob] = pending.get();
 }
 
 /// Turns the dump's knobs into records. Each knob's part of the tree is freed as soon as it has been read, while it is
@@ -255,7 +256,9 @@ DumpOutcome ReadDumpFile(const std::string &file, KnobList &knobs, FurtherDetail
     const xmlNodePtr root = CCXmlGetRootElement(document.get());
     if (!root || !HasName(root, "SYSTEM"))
         return DumpOutcome::NoDump;
-    KnobList all = CollectKnobs(FindKnobs(root), &further);
+    const xmlNodePtr knobsNode = FindKnobs(root);
+    further.tellsPending = CCXmlReadAttribute(knobsNode, kPendingCount) != nullptr;
+    KnobList all = CollectKnobs(knobsNode, &further);
     knobs.Swap(all);
     return knobs.IsEmpty() ? DumpOutcome::NoKnobs : DumpOutcome::Read;
 }

@@ -4,7 +4,6 @@
 #include "StatusCode.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -25,14 +24,14 @@ Status readKnob(KnobList &knobs, const std::string &listFile, std::int32_t *dama
 /// Fills a fresh record from a node of the dump. Returns Success; Failed when the node is no usable knob; NoMemory.
 Status getknobDetails(_xmlNode *knobNode, KnobDetails &record);
 
-/// What a dump may tell of a knob beyond its record; texts are UTF-8.
-struct KnobExtras
+/// What a dump may tell beyond the records of its knobs; texts are UTF-8.
+struct FurtherDetails
 {
-    /// The value that becomes current with the next restart, as CurrentVal has it.
-    std::optional<std::string> pendingValue;
+    /// Whether it tells which values wait for a restart (the attribute pending of biosknobs, their number).
+    bool tellsPending = false;
+    /// By the records of a list, the values that become current with the next restart, as CurrentVal has them.
+    std::unordered_map<const KnobDetails *, std::string> pendingValues;
 };
-/// For the knobs of which it tells something. Refers to the records of a list.
-using FurtherDetails = std::unordered_map<const KnobDetails *, KnobExtras>;
 
 enum class DumpOutcome
 {

@@ -250,7 +250,7 @@ constexpr ReadingCase kReadingCases[] = {
     {"search NIGHT", kNotFound, ""},
     {"search nacht", kDone, "FanCurve  choice: Silent – über Nacht\n"},
     {"export 'Fan*' PostDelay", kDone, "FanCurve=Silent – über Nacht\n;PostDelay=10\n;FanFloor=30\n"},
-    {"export --redact 'Fan*' AssetTag", kInPart, "FanCurve=Silent – über Nacht\n;FanFloor=30\n"},
+    {"export --redact 'Fan*' AssetTag", kDone, "FanCurve=Silent – über Nacht\n;FanFloor=30\n"},
     {"export StrangeLevel", kInPart, ""},
     {"diff --defaults --exit-code", kDifferent,
      "FanCurve      Loud & cool  Silent – über Nacht  Platform/Fans/Rear\n"
@@ -303,7 +303,7 @@ TEST_F(BiosconfigTest, AnUpdateIsPlannedProgrammedAndReadBack)
             << bad.messages;
         const Outcome crashed = RunBiosconfig("set BootFast=Disabled --tool-dir tools");
         EXPECT_EQ(crashed.exitCode, kToolFailed);
-        EXPECT_EQ(crashed.output, "BootFast  Disabled  Disabled  rejected\n");
+        EXPECT_EQ(crashed.output, "BootFast  Disabled (pending Enabled)  Disabled  rejected\n");
         EXPECT_NE(crashed.messages.find("  Failed to Write to knobs (Update Bios Settings), "), std::string::npos);
     }
     EXPECT_EQ(FilesIn("."), 5);
@@ -358,8 +358,15 @@ TEST_F(BiosconfigTest, FailuresOfTheToolAreToldApart)
         EXPECT_NE(outcome.messages.find(each.message), std::string::npos) << each.fault << outcome.messages;
         EXPECT_TRUE(outcome.output.starts_with("{\"schemaVersion\":1,") && outcome.output.ends_with("]}\n"));
     }
-    const EnvironmentSetting fault("FENRIKCMD_FAULT", "halfdump");
-    EXPECT_EQ(RunBiosconfig("set SetupLevel=Basic").exitCode, kToolFailed);
+    {
+        const EnvironmentSetting fault("FENRIKCMD_FAULT", "halfdump");
+        EXPECT_EQ(RunBiosconfig("set SetupLevel=Basic").exitCode, kToolFailed);
+    }
+    // A tool that says it has programmed, and has not.
+    const EnvironmentSetting fault("FENRIKCMD_FAULT", "progknobsfromfile=exit:0");
+    const Outcome outcome = RunBiosconfig("set SetupLevel=Basic");
+    EXPECT_EQ(outcome.exitCode, kToolFailed);
+    EXPECT_EQ(outcome.output, "SetupLevel  Advanced  Basic  rejected\n");
 }
 
 struct BadCall
@@ -391,6 +398,10 @@ constexpr BadCall kBadCalls[] = {
     {"list --program-files nowhere", kNoTool, "the external tool is missing: there is no nowhere"},
     {"report --tool-dir tools --module missing", kNotFound, "cannot load the module: "},
     {"report --tool-dir tools --module \"" NOT_A_MODULE "\"", kUnexpected, "lacks the module's exports"},
+    {"report", kNotFound, "name the host's, which holds CapsList.json, with --tool-dir"},
+    {"list --from \"\"", kWrongUsage, "--from: it is empty"},
+    {"-v list", kWrongUsage, "options stand behind the command: \"biosconfig list -v\""},
+    {"check utf16.txt", kNotValid, "it is not UTF-8"},
     {"report --tool-dir missing", kNotFound, "no tool directory \"missing\""},
     {"report --tool-dir bare", kUnexpected,
      "Failed to read data from Capability List (BiosConfigModule - InitModule), "},
@@ -403,6 +414,7 @@ constexpr BadCall kBadCalls[] = {
 TEST_F(BiosconfigTest, BadCallsGetAMessageAndTheirExitCode)
 {
     fs::create_directory("bare");
+    WriteFile("utf16.txt", std::string("\xFF\xFEU\0", 4));
     fs::create_directories("locked/Error.xml");
     fs::copy(SMALL_FIRMWARE, "small.xml");
     for (const BadCall &call : kBadCalls)

@@ -151,6 +151,7 @@ bool WriteDump(const Firmware &firmware, const char *rootName, const DumpSink &s
     document.Start(rootName);
     WritePlatform(document);
     document.Start("biosknobs");
+    document.Attribute("pending", std::to_string(firmware.pending.size()));
     std::string page;
     for (std::uint32_t index = 0; index < firmware.knobCount && document.IsSound(); ++index)
     {

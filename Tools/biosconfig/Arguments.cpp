@@ -70,14 +70,15 @@ constexpr CommandLine kCommands[] = {
     {Command::Diff, "diff", "[A] [B]", 0, 2, kReading,
      "Shows what differs: between two dumps, a dump and this machine, or (--defaults) the defaults and the values"},
     {Command::Export, "export", "[GLOB...]", 0, kAnyNumber, kReading | kChanged,
-     "Writes a template that \"update\" takes back"},
+     "Writes a template that \"update\" takes back; to a file .ini a knob file, to a file .xml the whole dump"},
     {Command::Check, "check", "TEMPLATE", 1, 1, kFromDump | kTool | kShown | kJson | kRedact | kOutput,
      "Judges a template as \"update\" would, and writes nothing"},
     {Command::Update, "update", "TEMPLATE", 1, 1, kProgramming | kFromDump,
      "Programs the options of a template: shows the plan, asks, programs, reads back"},
-    {Command::Set, "set", "NAME=VALUE...", 1, kAnyNumber, kProgramming | kFromDump, "The same for single options"},
+    {Command::Set, "set", "NAME=VALUE...", 1, kAnyNumber, kProgramming | kFromDump,
+     "Programs single options, as \"update\" does"},
     {Command::Reset, "reset", "[NAME...]", 0, kAnyNumber, kProgramming | kFromDump,
-     "The same to the defaults, for options or (--all) for all"},
+     "Programs the defaults of options, or (--all) of all"},
     {Command::Report, "report", "", 0, 0, kTool | kModule | kOutput, "Has the module make a report and prints it"},
     {Command::Capabilities, "capabilities", "", 0, 0, kTool | kModule,
      "Prints what the module offers, one capability per line: name, tab, description"},
@@ -104,6 +105,15 @@ ModuleData there, if that folder exists. update, set and reset need no tool dire
 of their own for a moment. Traces of the module are switched on by a file debug.conf in the working directory.
 )";
 
+constexpr const char *kTemplatesTopic =
+    R"(A file .txt holds assignments, NAME=VALUE, with a ";" between two of them; there are no comments. A value ends with its
+line, so an assignment a line reads
+  BootFast=Enabled
+  ;BootMode=Legacy
+A file .ini is a knob file: an assignment a line, [sections], and comments behind ";" and "#".
+A value is a choice's text or number; numbers are decimal, or hexadecimal with 0x.
+)";
+
 constexpr const char *kStreamsTopic =
     R"(Data go to standard output, or to the file of -o; everything else goes to standard error. Colour, cut columns
 and progress appear on a terminal only. With --json the data are always one JSON object, also of a failure.
@@ -116,6 +126,10 @@ constexpr const char *kExamples = R"(  biosconfig list 'Boot*'                  
   biosconfig export --redact -o settings.txt       settings to be sent to somebody
   biosconfig report --tool-dir /opt/tarnwell -o bios.xml
 )";
+
+/// A variable of a script that was never set is no wish.
+const CLI::Validator kNotEmpty([](const std::string &value) { return value.empty() ? "it is empty" : std::string(); },
+                               "");
 
 std::vector<std::string> FormatNames()
 {
@@ -220,7 +234,7 @@ void AddRedactOptions(CLI::App &command, Arguments &parsed)
     command.add_flag("--redact", parsed.isRedacted, "Hides values that tell of a person, a place or a secret");
     command
         .add_option("--redact-also", parsed.redactedToo,
-                    "Hides those of options whose name, prompt or page matches, too (may be given again)")
+                    "The same, and hides those of options whose name, prompt or page matches (may be given again)")
         ->type_name("GLOB")
         ->allow_extra_args(false);
 }
@@ -228,7 +242,7 @@ void AddRedactOptions(CLI::App &command, Arguments &parsed)
 void AddProgramOptions(CLI::App &command, Arguments &parsed)
 {
     command.add_flag("-n,--dry-run", parsed.isDryRun, "Shows the plan and programs nothing");
-    command.add_flag("-y,--yes", parsed.isAgreed, "Does not ask");
+    command.add_flag("-y,--yes", parsed.isAgreed, "Does not ask; without a terminal nobody is asked anyway");
     command.add_flag("--only-changes", parsed.onlyChanges,
                      "Leaves options out that have their value already, instead of programming them again");
     command.add_flag("--exit-code", parsed.tellsDifferenceByExitCode, "Ends with 2 when there is something to program");
@@ -238,7 +252,10 @@ void AddOwnOptions(CLI::App &command, Command which, Arguments &parsed)
 {
     if (which == Command::List)
     {
-        command.add_option("--page", parsed.page, "Only options on this setup page and below")->type_name("PAGE");
+        command.add_option("--page", parsed.page, "Only options on this setup page and below")
+            ->check(kNotEmpty)
+            ->type_name("PAGE");
+        command.add_flag("--pending", parsed.onlyPending, "Only options that wait for a restart, where the tool tells");
         command.add_flag("--csv", parsed.isCsv, "Comma-separated values with a head line")->excludes("--json");
     }
     if (which == Command::Diff)
@@ -265,6 +282,7 @@ void AddOptions(CLI::App &command, const CommandLine &line, Arguments &parsed)
     const unsigned groups = line.groups;
     if (groups & kFromDump)
         command.add_option("--from", parsed.dumpPath, "A dump to be read in the place of this machine")
+            ->check(kNotEmpty)
             ->type_name("DUMP.xml");
     if (groups & kChanged)
         command.add_flag("--changed", parsed.onlyChanged, "Only options whose value is not their default");
@@ -350,15 +368,14 @@ std::unique_ptr<CLI::App> MakeParser(ParsedCommands &parsed)
     return app;
 }
 
-ExitCode RefuseUsage(const std::string &message, const std::string &command = "")
+[[noreturn]] void RefuseUsage(const std::string &message, const std::string &command = "")
 {
-    std::fprintf(stderr, "biosconfig: %s\nSee \"biosconfig %s--help\".\n", message.c_str(),
-                 command.empty() ? "" : (command + " ").c_str());
-    return ExitCode::WrongUsage;
+    throw Failure(ExitCode::WrongUsage,
+                  message + "; see \"biosconfig " + command + (command.empty() ? "" : " ") + "--help\"");
 }
 
 /// Refuses a word that is no command, with the nearest one.
-ExitCode RefuseCommand(const std::string &word)
+[[noreturn]] void RefuseCommand(const std::string &word)
 {
     std::vector<std::string_view> names;
     for (const CommandLine &line : kCommands)
@@ -367,15 +384,15 @@ ExitCode RefuseCommand(const std::string &word)
             names.emplace_back(line.name);
     }
     const std::string nearest(Nearest(word, names));
-    return RefuseUsage("there is no command \"" + word + "\"" +
-                       (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?"));
+    RefuseUsage("there is no command \"" + word + "\"" +
+                (nearest.empty() ? "" : "; did you mean \"" + nearest + "\"?"));
 }
 
 ExitCode ShowHelp(CLI::App &app, const std::vector<std::string> &words)
 {
     const CommandLine *const line = words.empty() ? nullptr : FindCommand(words.front());
     if (!words.empty() && !line)
-        return RefuseCommand(words.front());
+        RefuseCommand(words.front());
     std::fputs((line ? app.get_subcommand(line->name)->help() : app.help()).c_str(), stdout);
     return ExitCode::Done;
 }
@@ -477,14 +494,17 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
         if (end.get_exit_code() == 0)
             app->exit(end);
         else if (name.empty())
-            exitCode = RefuseUsage("a command is missing");
+            RefuseUsage("a command is missing");
         else if (!line)
-            exitCode = RefuseCommand(name);
+            RefuseCommand(name);
+        else if (name != arguments[1])
+            RefuseUsage("options stand behind the command: \"biosconfig " + name + " " + arguments[1] + "\"");
         else
-            exitCode = RefuseUsage(UsageMessage(end, *line, *app->get_subcommand(line->name)), name);
+            RefuseUsage(UsageMessage(end, *line, *app->get_subcommand(line->name)), name);
         return std::nullopt;
     }
     Arguments &parsed = commands[static_cast<std::size_t>(line - kCommands)];
+    parsed.isRedacted = parsed.isRedacted || !parsed.redactedToo.empty();
     parsed.command = line->command;
     parsed.commandName = line->name;
     if (parsed.command == Command::Help)
@@ -495,8 +515,7 @@ std::optional<Arguments> ParseArguments(int argumentCount, const char *const *ar
     const std::string contradiction = FindContradiction(parsed);
     if (!contradiction.empty())
     {
-        exitCode = RefuseUsage(contradiction, name);
-        return std::nullopt;
+        RefuseUsage(contradiction, name);
     }
     if (parsed.modulePath.empty())
         parsed.modulePath = DefaultModulePath();
@@ -519,11 +538,14 @@ std::vector<CommandHelp> DescribeCommands()
             if (option->get_group().empty())
                 continue;
             const bool takesValue = option->get_expected_max() > 0;
+            const std::string environment = option->get_envname();
             OptionHelp described = {option->get_name(false, true),
                                     takesValue ? option->get_type_name() : "",
                                     option->get_description(),
                                     {}};
             described.valueName = described.valueName.substr(0, described.valueName.find(':'));
+            if (!environment.empty())
+                described.text += "; or the environment variable " + environment;
             if (described.names.find("--color") != std::string::npos)
                 described.values = {"auto", "always", "never"};
             if (described.names.find("--format") != std::string::npos)
@@ -537,6 +559,11 @@ std::vector<CommandHelp> DescribeCommands()
 
 std::vector<HelpTopic> DescribeTopics()
 {
-    return {{"The external tool", kToolTopic}, {"The module", kModuleTopic},    {"Data and messages", kStreamsTopic},
-            {"Redaction", RedactedText()},     {"Exit codes", ExitCodesText()}, {"Examples", kExamples}};
+    return {{"The external tool", kToolTopic},
+            {"The module", kModuleTopic},
+            {"Templates", kTemplatesTopic},
+            {"Data and messages", kStreamsTopic},
+            {"Redaction", RedactedText()},
+            {"Exit codes", ExitCodesText()},
+            {"Examples", kExamples}};
 }

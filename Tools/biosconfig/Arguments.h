@@ -72,6 +72,7 @@ struct Arguments
     std::vector<std::string> words;
     std::string page;
     bool onlyChanged = false;
+    bool onlyPending = false;
     bool toDefaults = false;
     bool tellsDifferenceByExitCode = false;
     bool isDryRun = false;
@@ -85,7 +86,8 @@ struct Arguments
 };
 
 /// Reads the command line and the environment variables that stand in for options. When there is nothing to do (help,
-/// version, a wrong command line) prints what there is to say, stores the exit code and gives nothing.
+/// version) prints what there is to say, stores the exit code and gives nothing. Throws Failure for a wrong command
+/// line.
 std::optional<Arguments> ParseArguments(int argumentCount, const char *const *arguments, ExitCode &exitCode);
 
 /// An option of the command line, for those who complete or describe it.

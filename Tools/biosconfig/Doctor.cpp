@@ -70,6 +70,8 @@ public:
         CheckModule();
         CheckTool();
         CheckDump();
+        if (m_canRead)
+            CheckReading();
         CheckToolDirectory();
         CheckDebugConfiguration();
         if (m_work.output.IsJson())
@@ -148,21 +150,50 @@ private:
         CheckStatus();
     }
 
+    static const char *RemedyOf(ExitCode code)
+    {
+        switch (code)
+        {
+        case ExitCode::TimedOut:
+            return "see what the tool waits for; a longer --timeout may do";
+        case ExitCode::NotPermitted:
+            return "what the tool said is above; enable the interface in the BIOS setup, and run this with the rights "
+                   "that "
+                   "the tool asks for";
+        case ExitCode::NoTool:
+            return "install the external tool anew; what is there is no program for this machine";
+        default:
+            return "what the tool said is above; where that does not help, install the external tool anew";
+        }
+    }
+
+    /// Has a new dump made and read, as every other command does.
+    void CheckReading()
+    {
+        try
+        {
+            const LoadedOptions options = ReadMachine(m_work.arguments, m_work.steps, m_work.output);
+            if (options.isDamaged)
+                return AddBad("reading", "a new dump is damaged", RemedyOf(ExitCode::ToolFailed), ExitCode::InPart);
+            Add("reading", Health::Good, std::to_string(options.table.Options().size()) + " options in a new dump");
+        }
+        catch (const Failure &failure)
+        {
+            AddBad("reading", failure.what(), RemedyOf(failure.code), failure.code);
+        }
+    }
+
     void CheckStatus()
     {
         try
         {
             Add("BIOS interface", Health::Good,
                 m_work.steps.Run(kStatusStep, "", "asking the external tool for its status", m_work.output));
+            m_canRead = true;
         }
         catch (const Failure &failure)
         {
-            AddBad("BIOS interface", failure.what(),
-                   failure.code == ExitCode::TimedOut
-                       ? "see what the tool waits for; a longer --timeout may do"
-                       : "enable the interface in the BIOS setup, and run this with the rights that the tool asks for; "
-                         "-v shows what the tool says",
-                   failure.code);
+            AddBad("BIOS interface", failure.what(), RemedyOf(failure.code), failure.code);
         }
     }
 
@@ -172,7 +203,7 @@ private:
             return;
         const std::string dump = ShownPath(toolDumpFile(m_toolPlace));
         if (!Exists(dump))
-            return Add("last dump", Health::Note, "there is none yet, " + dump, "\"biosconfig list\" has one made");
+            return Add("last dump", Health::Note, "there is none yet, " + dump);
         KnobList knobs;
         FurtherDetails further;
         std::int32_t damagedLine = 0;
@@ -180,10 +211,10 @@ private:
         const std::string size = std::to_string(knobs.Size()) + " options, " + AgeOf(dump);
         if (outcome != DumpOutcome::Read)
             Add("last dump", Health::Note, dump + " cannot be read, or holds no options",
-                "\"biosconfig list\" has a new one made; where that fails, too, the tool is at fault");
+                "the next line tells of a new one");
         else if (damagedLine != 0)
             Add("last dump", Health::Note, dump + ": " + size + ", damaged in line " + std::to_string(damagedLine),
-                "\"biosconfig list\" has a new one made; where that is damaged, too, the tool is at fault");
+                "the next line tells of a new one");
         else
             Add("last dump", Health::Good, dump + ": " + size);
     }
@@ -205,8 +236,12 @@ private:
         else
             Add("tool directory", Health::Good, directory + " can be written");
         if (!Exists(prefix + "CapsList.json"))
-            AddBad("CapsList.json", "there is none in " + directory, "copy the host's there; Docs/Example has one",
+            AddBad("CapsList.json", "there is none in " + directory,
+                   "copy the host's there; the module's documentation has an example (Docs/Example)",
                    ExitCode::NotFound);
+        else if (!IsJson(prefix + "CapsList.json"))
+            AddBad("CapsList.json", prefix + "CapsList.json is no JSON", "copy the host's there anew",
+                   ExitCode::NotValid);
         else
             Add("CapsList.json", Health::Good, prefix + "CapsList.json");
         CheckErrorFile(prefix + "Error.xml");
@@ -238,6 +273,12 @@ private:
             Add("debug.conf", Health::Note, fault, "see the documentation of traces, Docs/Diagnostics.md");
     }
 
+    static bool IsJson(const std::string &path)
+    {
+        std::string text;
+        return Platform::ReadTextFile(path, text) && json::accept(text);
+    }
+
     static std::string ReadFirstBytes(const std::string &path)
     {
         const Platform::StreamOwner stream = Platform::OpenStream(path, "rb");
@@ -248,6 +289,8 @@ private:
 
     const Work &m_work;
     std::string m_toolPlace;
+    /// The tool answers.
+    bool m_canRead = false;
     ExitCode m_worst = ExitCode::Done;
 };
 

@@ -47,9 +47,7 @@ void RunOrRefuse(const std::string &directory, const std::string &command, const
                                   program + " " + command + hint);
 }
 
-constexpr const char *kStatusHint = "; the BIOS interface is off, or this user may not use it: enable it in the BIOS "
-                                    "setup, and run this with the rights that the tool asks for";
-constexpr const char *kDumpHint = "; \"biosconfig doctor\" checks what it needs";
+constexpr const char *kStatusHint = "; the BIOS interface cannot be used: it may be off, or this user may not use it";
 
 } // namespace
 
@@ -122,7 +120,7 @@ void MakeDump(const Arguments &arguments)
     const Platform::StandardOutputToError keepOutputForResult;
     const std::string directory = ToolPlace(arguments);
     RunOrRefuse(directory, "fenrikstatus", "", ExitCode::NotPermitted, kStatusHint);
-    RunOrRefuse(directory, "savexml", toolDumpFile(directory), ExitCode::ToolFailed, kDumpHint);
+    RunOrRefuse(directory, "savexml", toolDumpFile(directory), ExitCode::ToolFailed, "");
 }
 
 std::string AskStatus(const Arguments &arguments)

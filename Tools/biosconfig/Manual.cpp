@@ -43,6 +43,14 @@ std::string Spellings(const OptionHelp &option)
     return spellings;
 }
 
+std::string ValuesText(const OptionHelp &option)
+{
+    std::string text;
+    for (const std::string &value : option.values)
+        text += (text.empty() ? "; one of: " : ", ") + value;
+    return text;
+}
+
 void AddCommand(const CommandHelp &command, Output &output)
 {
     output.Add(".SS \"" + Roff(command.name + (command.words.empty() ? "" : " " + command.words)) + "\"\n" +
@@ -53,7 +61,7 @@ void AddCommand(const CommandHelp &command, Output &output)
             continue;
         output.Add(".TP\n\\fB" + Roff(Spellings(option)) + "\\fR" +
                    (option.valueName.empty() ? "" : " \\fI" + Roff(option.valueName) + "\\fR") + "\n" +
-                   Roff(option.text) + ".\n");
+                   Roff(option.text + ValuesText(option)) + ".\n");
     }
 }
 

@@ -32,6 +32,11 @@ constexpr std::string_view kOwnCapabilities = R"({"Tarnwell": {"CapabilityList":
 /// The user's tool directory as a prefix for file names. Throws Failure when there is no such directory.
 std::string ToolDirectory(const Arguments &arguments)
 {
+    // Before the module records an error in a folder that was not meant.
+    if (arguments.toolDirectory.empty() && !Platform::OpenStream(kCapabilitiesFile, "rb"))
+        throw Failure(ExitCode::NotFound,
+                      "there is no tool directory: name the host's, which holds CapsList.json, with "
+                      "--tool-dir");
     const std::string directory = arguments.toolDirectory.empty() ? "." : arguments.toolDirectory;
     if (!Platform::IsDirectory(directory))
         throw Failure(ExitCode::NotFound, "there is no tool directory \"" + directory + "\"");
@@ -87,12 +92,13 @@ std::string AskModule(const Arguments &arguments, const std::string &toolDirecto
     return arguments.command == Command::Report ? Report(module, arguments) : CapabilityLines(module);
 }
 
+/// `errorFile` is empty for one that goes again.
 void ShowErrors(const std::string &errorFile, const std::vector<RecordedError> &errors)
 {
     if (errors.empty())
         return;
-    Tell("the module recorded " + std::to_string(errors.size()) + (errors.size() == 1 ? " error" : " errors") + " in " +
-         errorFile + ":");
+    Tell("the module recorded " + std::to_string(errors.size()) + (errors.size() == 1 ? " error" : " errors") +
+         (errorFile.empty() ? ":" : " in " + errorFile + ":"));
     for (const RecordedError &error : errors)
         std::fprintf(stderr, "  %s (%s), %s, %s:%s\n", OneLine(error.message).c_str(), OneLine(error.title).c_str(),
                      OneLine(error.time).c_str(), OneLine(error.sourceFile).c_str(), OneLine(error.line).c_str());
@@ -243,7 +249,7 @@ std::string ProgramTemplate(const Arguments &arguments, const std::string &path)
     }
     catch (const Failure &)
     {
-        ShowErrors(place.IsOwn() ? "its " + std::string(kErrorFile) : watch.Path(), watch.NewErrors());
+        ShowErrors(place.IsOwn() ? "" : watch.Path(), watch.NewErrors());
         throw;
     }
 }
@@ -251,7 +257,9 @@ std::string ProgramTemplate(const Arguments &arguments, const std::string &path)
 std::string DescribeModule(const Arguments &arguments)
 {
     const Platform::StandardOutputToError keepOutputForData;
-    const ModulePlace place(arguments);
+    Arguments withoutPlace = arguments;
+    withoutPlace.toolDirectory.clear();
+    const ModulePlace place(withoutPlace);
     ModuleHost module(arguments.modulePath);
     module.Initialise(place.Directory());
     return arguments.modulePath + ", \"" + module.Name() + "\", offers " +

@@ -48,6 +48,10 @@ Undertaking PrepareTemplate(const Work &work)
     std::string text;
     if (!Platform::ReadTextFile(path, text))
         throw Failure(ExitCode::NotFound, "cannot read the template " + path);
+    constexpr std::string_view kMarksOfUtf16[] = {"\xFF\xFE", "\xFE\xFF"};
+    if (text.find('\0') != std::string::npos || text.starts_with(kMarksOfUtf16[0]) ||
+        text.starts_with(kMarksOfUtf16[1]))
+        throw Failure(ExitCode::NotValid, path + " is no template: it is not UTF-8; save it anew in that encoding");
     std::string stem = Platform::FromFilesystemPath(Platform::ToFilesystemPath(path).stem());
     std::replace(stem.begin(), stem.end(), '.', '_'); // the module would take it for the beginning of an ending
     Undertaking undertaking(ReadOptions(work.arguments, work.steps, work.output));
@@ -72,6 +76,14 @@ std::string ShownValue(const BiosOption &option, std::string_view value)
     return text.empty() ? "(empty)" : text;
 }
 
+/// The value that there is, and the one that waits.
+std::string OldText(const BiosOption &option)
+{
+    const std::string current = ShownValue(option, option.currentValue);
+    const bool waits = option.pendingValue && !IsSameValue(option, *option.pendingValue, option.currentValue);
+    return waits ? current + " (pending " + ShownValue(option, *option.pendingValue) + ")" : current;
+}
+
 /// Name, old and new value of what is to be done; `verdicts`, one per change, tell what became of it.
 std::string PlanText(const Plan &plan, const std::vector<Verdict> &verdicts, const Terminal &terminal)
 {
@@ -81,12 +93,13 @@ std::string PlanText(const Plan &plan, const std::vector<Verdict> &verdicts, con
     {
         const PlannedChange &change = plan.changes[index];
         const BiosOption &option = *change.option;
-        const std::string_view outcome = !isPlan         ? VerdictName(verdicts[index])
-                                         : change.isToDo ? "program"
-                                                         : "unchanged";
+        const std::string_view planned = change.isToDo         ? "program"
+                                         : option.pendingValue ? "pending already"
+                                                               : "unchanged";
+        const std::string_view outcome = isPlan ? planned : VerdictName(verdicts[index]);
         const bool isBad = !isPlan && verdicts[index] >= Verdict::Rejected;
         table.AddRow({{std::string(option.name), Look::Name},
-                      {ShownValue(option, option.currentValue)},
+                      {OldText(option)},
                       {ShownValue(option, change.newValue), change.isToDo ? Look::Changed : Look::Faint},
                       {std::string(outcome), isBad           ? Look::Bad
                                              : change.isToDo ? Look::Good
@@ -98,6 +111,8 @@ std::string PlanText(const Plan &plan, const std::vector<Verdict> &verdicts, con
 void AddPlan(const Work &work, const Plan &plan, const std::vector<Verdict> &verdicts)
 {
     Output &output = work.output;
+    if (!output.IsJson() && plan.changes.empty())
+        return;
     if (!output.IsJson())
         return output.Add(PlanText(plan, verdicts, output.Reader()));
     output.StartArray("changes");
@@ -168,10 +183,9 @@ ExitCode JudgeVerdicts(const std::vector<Verdict> &verdicts)
 /// The verdicts of what was read back, or, without anything to program, of what had been read before.
 std::vector<Verdict> VerdictsOf(const Plan &plan, const OptionTable &table)
 {
-    const bool tellsPending = TellsPending(table);
     std::vector<Verdict> verdicts;
     for (const PlannedChange &change : plan.changes)
-        verdicts.push_back(Verify(change, table, tellsPending));
+        verdicts.push_back(Verify(change, table));
     return verdicts;
 }
 

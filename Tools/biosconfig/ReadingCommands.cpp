@@ -1,9 +1,11 @@
 #include "Commands.h"
 #include "Glob.h"
+#include "KnobDump.h"
 #include "LowerAscii.h"
 #include "OptionDiff.h"
 #include "OptionJson.h"
 #include "OptionValue.h"
+#include "Platform.h"
 #include "Redaction.h"
 
 #include <algorithm>
@@ -159,7 +161,8 @@ private:
         if (m_option.condition == "TRUE")
             return "";
         const std::optional<bool> isMet = IsConditionMet(m_option.condition, valueOf);
-        return std::string(m_option.condition) + (!isMet ? "" : *isMet ? " (can be changed now)" : " (not met now)");
+        const char *const barred = m_option.condition.starts_with("Hide") ? ": hidden now" : ": grayed out now";
+        return std::string(m_option.condition) + (!isMet ? "" : *isMet ? ": can be changed now" : barred);
     }
 
     void AddChoices()
@@ -221,8 +224,9 @@ bool IsInsideCharacter(char byte)
 /// What was found, with something on either side.
 std::string Snippet(const Found &found, std::size_t length, const Terminal &terminal)
 {
-    std::size_t begin = found.at > kColumnsAroundFound ? found.at - kColumnsAroundFound : 0;
-    std::size_t end = std::min(found.text.size(), found.at + length + kColumnsAroundFound);
+    const std::size_t around = std::string_view(found.field) == "name" ? found.text.size() : kColumnsAroundFound;
+    std::size_t begin = found.at > around ? found.at - around : 0;
+    std::size_t end = std::min(found.text.size(), found.at + length + around);
     while (begin > 0 && IsInsideCharacter(found.text[begin]))
         --begin;
     while (end < found.text.size() && IsInsideCharacter(found.text[end]))
@@ -231,6 +235,25 @@ std::string Snippet(const Found &found, std::size_t length, const Terminal &term
     return (begin > 0 ? "..." : "") + part(begin, found.at) +
            terminal.Style(Look::Found, part(found.at, found.at + length)) + part(found.at + length, end) +
            (end < found.text.size() ? "..." : "");
+}
+
+/// A line an option: its name, and the text that something was found in, behind the word for what it is.
+void AddFound(const std::vector<const BiosOption *> &options, const std::vector<Found> &places, std::size_t length,
+              Output &output)
+{
+    std::size_t widest = 0;
+    for (const BiosOption *const option : options)
+        widest = std::max(widest, ColumnsOf(option->name));
+    for (std::size_t index = 0; index < options.size(); ++index)
+    {
+        const Found &place = places[index];
+        const std::string name = OneLine(options[index]->name);
+        const std::string blanks(widest - std::min(widest, ColumnsOf(name)) + 2, ' ');
+        const bool isInName = place.text.data() == options[index]->name.data();
+        output.Add(isInName ? Snippet(place, length, output.Reader()) + blanks + OneLine(options[index]->prompt) + "\n"
+                            : output.Reader().Style(Look::Name, name) + blanks + place.field + ": " +
+                                  Snippet(place, length, output.Reader()) + "\n");
+    }
 }
 
 struct PageCount
@@ -346,6 +369,52 @@ ExitCode AddChanges(const Work &work, const std::vector<OptionChange> &changes, 
     return code;
 }
 
+/// The dump itself, byte for byte.
+ExitCode ExportDump(const Work &work)
+{
+    const Arguments &arguments = work.arguments;
+    if (arguments.isRedacted || arguments.onlyChanged || !arguments.words.empty())
+        throw Failure(ExitCode::WrongUsage,
+                      "a dump is exported as it is, with all options and values; for a part of it, or "
+                      "without secrets, use --json");
+    const LoadedOptions options = ReadOptions(arguments, work.steps, work.output);
+    const std::string dump = arguments.dumpPath.empty() ? toolDumpFile(ToolPlace(arguments)) : arguments.dumpPath;
+    const Platform::StreamOwner stream = Platform::OpenStream(dump, "rb");
+    std::string bytes;
+    if (!stream || !Platform::ReadBytes(stream.get(), bytes))
+        throw Failure(ExitCode::Unexpected, "cannot read the dump " + ShownPath(dump));
+    work.output.Add(bytes);
+    return CodeOf(options);
+}
+
+/// Adds the assignments of the options' values; false where a value cannot be written.
+bool AddTemplate(const std::vector<const BiosOption *> &options, TemplateKind kind, Output &output)
+{
+    std::vector<std::string> values;
+    std::vector<WrittenAssignment> assignments;
+    std::size_t redacted = 0;
+    values.reserve(options.size()); // views refer to them
+    for (const BiosOption *const option : options)
+    {
+        const std::optional<std::string> value =
+            option->isRedacted ? std::nullopt : WritableValue(*option, option->currentValue);
+        if (value)
+            assignments.push_back({option->name, values.emplace_back(*value)});
+        else if (option->isRedacted)
+            ++redacted;
+        else
+            output.Tell(Severity::Warning, "not-writable",
+                        std::string(option->name) + " is left out: its value is none that a template can give it",
+                        {{"option", option->name}});
+    }
+    if (redacted > 0)
+        output.Tell(Severity::Note, "redacted",
+                    std::to_string(redacted) + (redacted == 1 ? " option is" : " options are") +
+                        " left out, since values are redacted");
+    output.Add(WriteTemplate(assignments, kind));
+    return assignments.size() + redacted == options.size();
+}
+
 } // namespace
 
 ExitCode ListOptions(const Work &work)
@@ -403,21 +472,19 @@ ExitCode SearchOptions(const Work &work)
     RedactIfWished(work, options.table);
     const std::string wanted = LowerAscii(work.arguments.words.front());
     std::vector<const BiosOption *> found;
-    std::string lines;
-    const Terminal &reader = work.output.Reader();
+    std::vector<Found> places;
     for (const BiosOption &option : options.table.Options())
     {
         const Found place = FindText(option, wanted);
         if (!place.field)
             continue;
         found.push_back(&option);
-        lines += reader.Style(Look::Name, OneLine(option.name)) + "  " + place.field + ": " +
-                 Snippet(place, wanted.size(), reader) + "\n";
+        places.push_back(place);
     }
     if (work.output.IsJson())
         AddOptionsAsJson(found, work.output);
     else
-        work.output.Add(lines);
+        AddFound(found, places, wanted.size(), work.output);
     if (!found.empty())
         return CodeOf(options);
     work.output.Tell(Severity::Error, "not-found",
@@ -465,6 +532,9 @@ ExitCode DiffOptions(const Work &work)
 
 ExitCode ExportTemplate(const Work &work)
 {
+    const std::string &path = work.arguments.outputPath;
+    if (path.ends_with(".xml") && !work.output.IsJson())
+        return ExportDump(work);
     LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
     ExitCode code = CodeOf(options);
     const std::vector<const BiosOption *> selected = SelectOptions(work, options.table, code);
@@ -474,22 +544,6 @@ ExitCode ExportTemplate(const Work &work)
         AddOptionsAsJson(selected, work.output);
         return code;
     }
-    std::vector<std::string> values;
-    std::vector<WrittenAssignment> assignments;
-    values.reserve(selected.size()); // views refer to them
-    for (const BiosOption *const option : selected)
-    {
-        const std::optional<std::string> value =
-            option->isRedacted ? std::nullopt : WritableValue(*option, option->currentValue);
-        if (value)
-            assignments.push_back({option->name, values.emplace_back(*value)});
-        else
-            work.output.Tell(
-                Severity::Warning, option->isRedacted ? "redacted" : "not-writable",
-                std::string(option->name) + " is left out: " +
-                    (option->isRedacted ? "its value is redacted" : "its value is none that a template can give it"),
-                {{"option", option->name}});
-    }
-    work.output.Add(WriteTemplate(assignments, TemplateKind::Text));
-    return code == ExitCode::Done && assignments.size() < selected.size() ? ExitCode::InPart : code;
+    const TemplateKind kind = path.ends_with(".ini") ? TemplateKind::KnobFile : TemplateKind::Text;
+    return AddTemplate(selected, kind, work.output) || code != ExitCode::Done ? code : ExitCode::InPart;
 }

@@ -60,7 +60,7 @@ std::vector<const BiosOption *> SelectOptions(const Work &work, const OptionTabl
         if (!arguments.page.empty() && !IsOnPage(option.page, arguments.page))
             continue;
         pageFits = true;
-        if (isWanted && (!arguments.onlyChanged || option.isChanged))
+        if (isWanted && (!arguments.onlyChanged || option.isChanged) && (!arguments.onlyPending || option.pendingValue))
             selected.push_back(&option);
     }
     for (std::size_t index = 0; index < fits.size(); ++index)

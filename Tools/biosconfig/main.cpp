@@ -5,8 +5,11 @@
 #include "Program.h"
 #include "Steps.h"
 
+#include <algorithm>
 #include <exception>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -36,23 +39,24 @@ constexpr CommandFunction kFunctions[] = {{Command::List, ListOptions},
 /// Runs a command whose data go out when it is done.
 ExitCode RunCommand(const Arguments &arguments, char *const *commandLine)
 {
-    Output output(arguments);
+    std::optional<Output> output;
     try
     {
+        output.emplace(arguments);
         const Steps steps(arguments, commandLine);
         for (const CommandFunction &function : kFunctions)
         {
             if (function.command != arguments.command)
                 continue;
-            const ExitCode code = function.run({arguments, steps, output});
-            output.Finish();
+            const ExitCode code = function.run({arguments, steps, *output});
+            output->Finish();
             return code;
         }
     }
     catch (const Failure &failure)
     {
         Tell(failure.what());
-        Output::FinishFailed(arguments, failure, output.Errors());
+        Output::FinishFailed(arguments, failure, output ? output->Errors() : std::vector<json>());
         return failure.code;
     }
     return ExitCode::Unexpected;
@@ -67,6 +71,16 @@ ExitCode Run(const Arguments &arguments, char *const *commandLine)
     if (arguments.command == Command::Report || arguments.command == Command::Capabilities)
         return ReportOrCapabilities(arguments, commandLine);
     return RunCommand(arguments, commandLine);
+}
+
+/// A wrong command line, for those who have asked for JSON.
+void FinishRefused(const Failure &failure, const std::vector<std::string> &words)
+{
+    Arguments arguments;
+    arguments.isJson = std::find(words.begin(), words.end(), "--json") != words.end();
+    arguments.commandName = words.empty() ? "" : words.front();
+    if (failure.code == ExitCode::WrongUsage)
+        Output::FinishFailed(arguments, failure, {});
 }
 
 } // namespace
@@ -86,6 +100,7 @@ int main(int argumentCount, char **arguments)
     {
         Tell(failure.what());
         exitCode = failure.code;
+        FinishRefused(failure, {arguments + 1, arguments + argumentCount});
     }
     catch (const std::exception &failure)
     {
