@@ -2,6 +2,7 @@
 
 #include "Fuzzing.h"
 #include "Platform.h"
+#include "Template.h"
 #include "TextTemplate.h"
 
 #include <map>
@@ -33,11 +34,29 @@ std::string WithCarriageReturns(const std::string &text)
     return result;
 }
 
+/// What a person's template is read as is what the module reads in the template made of it.
+void RequireSameAssignments(const TemplateContent &content)
+{
+    std::vector<WrittenAssignment> assignments;
+    std::map<std::string, std::string> expected;
+    for (const TemplateAssignment &assignment : content.assignments)
+    {
+        assignments.push_back({assignment.name, assignment.value});
+        expected.emplace(assignment.name, assignment.value);
+    }
+    const std::string text = WriteTemplate(assignments, TemplateKind::Text);
+    Fuzzing::Require(Split(text) == expected, "the module reads what was written for it");
+    Fuzzing::Require(ReadTemplate(text, TemplateKind::Text).findings.empty(),
+                     "nothing is wrong with a written template");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
 {
     const std::string_view text = Fuzzing::Text(bytes, size);
+    RequireSameAssignments(ReadTemplate(text, TemplateKind::Text));
+    RequireSameAssignments(ReadTemplate(text, TemplateKind::KnobFile));
     const AssignmentTable assignments = SplitTemplate(text);
     std::map<std::string, std::string> found;
     std::string expected = "[BiosKnobs]\n";

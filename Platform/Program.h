@@ -10,10 +10,10 @@
 namespace Platform
 {
 
-/// While it lives, an end from outside (Ctrl-C, a closed console, SIGHUP, SIGINT, SIGTERM) also ends all programs that
-/// this process has started, with all that those have started, and removes what RemovedWhenInterrupted names; then it
-/// ends the process as it would have. There is one at a time, in the only thread of a process.
-/// Windows: SetConsoleCtrlHandler, a job that ends with its last handle. POSIX: sigaction, PR_SET_CHILD_SUBREAPER.
+/// While it lives, an end from outside (Ctrl-C, a closed console, SIGHUP, SIGINT, SIGTERM, SIGPIPE) also ends all
+/// programs that this process has started, with all that those have started, and removes what RemovedWhenInterrupted
+/// names; then it ends the process as it would have. There is one at a time, in the only thread of a process. Windows:
+/// SetConsoleCtrlHandler, a job that ends with its last handle. POSIX: sigaction, PR_SET_CHILD_SUBREAPER.
 class Interruption
 {
 public:

@@ -29,7 +29,7 @@ TestSupport       Tests/Support              : Headers Platform Diagnostics
 WriterTests       Tests/Writers              : Headers Platform Diagnostics Writers TestSupport
 Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Options Writers Module TestSupport
 Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module TestSupport WriterTests
-Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikCmd HostFiles Tool Writers Module
+Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikCmd HostFiles Tool Options Writers Module
 TABLE
 
 # LIBRARY, how its headers begin, and the files that may include them (one pattern).

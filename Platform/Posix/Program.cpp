@@ -25,7 +25,7 @@ namespace Platform
 namespace
 {
 
-constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGTERM};
+constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE};
 constexpr timespec kPause = {0, 10'000'000};
 constexpr std::uint64_t kMillisecondsPerSecond = 1000;
 /// What cannot be killed, since it hangs within the system, is not waited for.

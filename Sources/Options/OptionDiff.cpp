@@ -29,14 +29,14 @@ std::vector<OptionChange> Diff(const OptionTable &before, const OptionTable &aft
             continue;
         const BiosOption *const other = after.Find(option.name);
         if (!other)
-            changes.push_back({ChangeKind::Removed, &option, nullptr});
+            changes.push_back({ChangeKind::Removed, option, &option, nullptr});
         else if (!IsSameValue(*other, option.currentValue, other->currentValue))
-            changes.push_back({ChangeKind::Changed, &option, other});
+            changes.push_back({ChangeKind::Changed, *other, &option, other});
     }
     for (const BiosOption &option : after.Options())
     {
         if (after.Find(option.name) == &option && !before.Find(option.name))
-            changes.push_back({ChangeKind::Added, nullptr, &option});
+            changes.push_back({ChangeKind::Added, option, nullptr, &option});
     }
     return changes;
 }
@@ -47,7 +47,7 @@ std::vector<OptionChange> DiffToDefaults(const OptionTable &table)
     for (const BiosOption &option : table.Options())
     {
         if (option.isChanged)
-            changes.push_back({ChangeKind::Changed, &option, &option});
+            changes.push_back({ChangeKind::Changed, option, &option, &option});
     }
     return changes;
 }

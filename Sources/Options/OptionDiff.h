@@ -19,13 +19,14 @@ std::string_view ChangeName(ChangeKind kind);
 /// One option that differs. Refers to the tables' options.
 struct OptionChange
 {
-    ChangeKind kind = ChangeKind::Changed;
+    ChangeKind kind;
+    /// As it is now, or was.
+    const BiosOption &option;
     /// Null where it was added.
-    const BiosOption *before = nullptr;
+    const BiosOption *before;
     /// Null where it was removed.
-    const BiosOption *after = nullptr;
+    const BiosOption *after;
 
-    const BiosOption &Either() const { return after ? *after : *before; }
     /// The values: of the one before and the one behind, or, where both are one option, of its default and its current
     /// value.
     std::string_view OldValue() const;

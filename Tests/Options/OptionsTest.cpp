@@ -244,7 +244,7 @@ TEST(Options, DifferencesAreFoundByName)
         <knob setupType="numeric" name="Delay" CurrentVal="0xB"/><knob name="Bare"/><knob name="Deep" CurrentVal="0x0"/>)");
     std::string found;
     for (const OptionChange &change : Diff(before, after))
-        found += std::string(ChangeName(change.kind)) + " " + std::string(change.Either().name) + " " +
+        found += std::string(ChangeName(change.kind)) + " " + std::string(change.option.name) + " " +
                  std::string(change.OldValue()) + ">" + std::string(change.NewValue()) + "|";
     EXPECT_EQ(found, "changed Delay 0x0A>0xB|removed Label bench>|removed Waits 0x1>|added New >|");
     const std::vector<OptionChange> changed = DiffToDefaults(before);

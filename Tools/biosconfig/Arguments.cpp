@@ -29,18 +29,15 @@ static_assert(kOutputKindCount == 10, "a new kind of report wants a name here");
 constexpr int kLongestTimeLimit = 1'000'000;
 
 /// Groups of options that commands share.
-enum OptionGroup : unsigned
-{
-    kFromDump = 1U << 0U,
-    kTool = 1U << 1U,
-    kModule = 1U << 2U,
-    kShown = 1U << 3U,
-    kJson = 1U << 4U,
-    kRedact = 1U << 5U,
-    kOutput = 1U << 6U,
-    kProgram = 1U << 7U,
-    kChanged = 1U << 8U
-};
+constexpr unsigned kFromDump = 1U << 0U;
+constexpr unsigned kTool = 1U << 1U;
+constexpr unsigned kModule = 1U << 2U;
+constexpr unsigned kShown = 1U << 3U;
+constexpr unsigned kJson = 1U << 4U;
+constexpr unsigned kRedact = 1U << 5U;
+constexpr unsigned kOutput = 1U << 6U;
+constexpr unsigned kProgram = 1U << 7U;
+constexpr unsigned kChanged = 1U << 8U;
 constexpr unsigned kReading = kFromDump | kTool | kShown | kJson | kRedact | kOutput;
 constexpr unsigned kProgramming = kTool | kModule | kShown | kJson | kRedact | kOutput | kProgram;
 

@@ -190,7 +190,7 @@ private:
     /// The dump of --from, or the last one that the tool has made.
     std::string DumpPath() const
     {
-        const std::string dump = ValueOf("--from");
+        std::string dump = ValueOf("--from");
         if (!dump.empty())
             return dump;
         Arguments arguments = m_work.arguments;

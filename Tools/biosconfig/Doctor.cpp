@@ -3,6 +3,7 @@
 #include "ErrorFileWatch.h"
 #include "FilesystemPath.h"
 #include "KnobDump.h"
+#include "ModuleWork.h"
 #include "Platform.h"
 #include "Program.h"
 #include "ReplacedFile.h"
@@ -114,8 +115,9 @@ private:
                           ExitCode::NotFound);
         try
         {
+            TemporaryFolder folder;
             Add("module", Health::Good,
-                m_work.steps.Run(kModuleStep, "", "loading the module", m_work.output) +
+                m_work.steps.Run(kModuleStep, MakeModulePlace(folder), "loading the module", m_work.output) +
                     "; it comes with this program, " BIOSCONFIG_VERSION ", unless --module names another");
         }
         catch (const Failure &failure)

@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <optional>
 
 namespace
 {
@@ -196,31 +195,6 @@ ExitCode MakeInTime(const Arguments &arguments, char *const *commandLine, Output
     return outcome;
 }
 
-/// A tool directory for the module: the user's, the current one where it is one, or one of its own for a while.
-class ModulePlace
-{
-public:
-    explicit ModulePlace(const Arguments &arguments)
-    {
-        if (!arguments.toolDirectory.empty() || Platform::OpenStream(kCapabilitiesFile, "rb"))
-        {
-            m_directory = ToolDirectory(arguments);
-            return;
-        }
-        m_own.emplace();
-        m_own->Write(kCapabilitiesFile, kOwnCapabilities);
-        m_own->PathOf(kErrorFile);
-        m_directory = m_own->Prefix();
-    }
-
-    const std::string &Directory() const { return m_directory; }
-    bool IsOwn() const { return m_own.has_value(); }
-
-private:
-    std::optional<TemporaryFolder> m_own;
-    std::string m_directory;
-};
-
 } // namespace
 
 ExitCode ReportOrCapabilities(const Arguments &arguments, char *const *commandLine)
@@ -235,33 +209,38 @@ ExitCode ReportInWorker(const Arguments &arguments)
     return Make(arguments, output);
 }
 
+std::string MakeModulePlace(TemporaryFolder &folder)
+{
+    folder.Write(kCapabilitiesFile, kOwnCapabilities);
+    folder.PathOf(kErrorFile);
+    return folder.Prefix();
+}
+
 std::string ProgramTemplate(const Arguments &arguments, const std::string &path)
 {
     const Platform::StandardOutputToError keepOutputForData;
     UseProgramFiles(arguments);
-    const ModulePlace place(arguments);
-    const ErrorFileWatch watch(place.Directory() + kErrorFile);
+    const bool isNamed = !arguments.toolDirectory.empty() || Platform::OpenStream(kCapabilitiesFile, "rb");
+    const std::string place = isNamed ? ToolDirectory(arguments) : path.substr(0, path.find_last_of("/\\") + 1);
+    const ErrorFileWatch watch(place + kErrorFile);
     try
     {
         ModuleHost module(arguments.modulePath);
-        module.Initialise(place.Directory());
-        return module.UpdateSettings(path, place.Directory());
+        module.Initialise(place);
+        return module.UpdateSettings(path, place);
     }
     catch (const Failure &)
     {
-        ShowErrors(place.IsOwn() ? "" : watch.Path(), watch.NewErrors());
+        ShowErrors(isNamed ? watch.Path() : "", watch.NewErrors());
         throw;
     }
 }
 
-std::string DescribeModule(const Arguments &arguments)
+std::string DescribeModule(const Arguments &arguments, const std::string &place)
 {
     const Platform::StandardOutputToError keepOutputForData;
-    Arguments withoutPlace = arguments;
-    withoutPlace.toolDirectory.clear();
-    const ModulePlace place(withoutPlace);
     ModuleHost module(arguments.modulePath);
-    module.Initialise(place.Directory());
+    module.Initialise(place);
     return arguments.modulePath + ", \"" + module.Name() + "\", offers " +
            std::to_string(module.Capabilities().size()) +
            (module.Capabilities().size() == 1 ? " capability" : " capabilities");

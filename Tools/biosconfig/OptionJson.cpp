@@ -71,7 +71,7 @@ json OptionJson(const BiosOption &option)
 
 json ChangeJson(const OptionChange &change)
 {
-    const BiosOption &option = change.Either();
+    const BiosOption &option = change.option;
     json object = {{"name", option.name}, {"change", ChangeName(change.kind)}};
     AddText(object, "prompt", option.prompt);
     AddText(object, "page", option.page);

@@ -65,11 +65,6 @@ Output::Output(const Arguments &arguments)
         m_data = Head(arguments);
 }
 
-void Output::AddMember(std::string_view name, const json &value)
-{
-    m_data.append(",\n\"").append(name).append("\":").append(Dump(value));
-}
-
 void Output::StartArray(std::string_view name)
 {
     m_data.append(",\n\"").append(name).append("\":[");
@@ -87,18 +82,27 @@ void Output::EndArray()
     m_data += "]";
 }
 
+void Output::Record(Severity severity, std::string_view code, const std::string &message, const json &further)
+{
+    if (!IsJson())
+        return;
+    json error = {{"severity", SeverityName(severity)}, {"code", code}};
+    error.update(further);
+    error["message"] = message;
+    m_errors.push_back(std::move(error));
+}
+
+void Output::TellUnlessQuiet(Severity severity, const std::string &line) const
+{
+    if (severity == Severity::Error || !m_arguments.isQuiet)
+        ::Tell(OneLine(line));
+}
+
 void Output::Tell(Severity severity, std::string_view code, const std::string &message, const json &further)
 {
-    if (IsJson())
-    {
-        json error = {{"severity", SeverityName(severity)}, {"code", code}};
-        error.update(further);
-        error["message"] = message;
-        m_errors.push_back(std::move(error));
-    }
-    if (severity != Severity::Error && m_arguments.isQuiet)
-        return;
-    ::Tell((severity == Severity::Error ? "" : std::string(SeverityName(severity)) + ": ") + OneLine(message));
+    Record(severity, code, message, further);
+    TellUnlessQuiet(severity,
+                    (severity == Severity::Error ? "" : std::string(SeverityName(severity)) + ": ") + message);
 }
 
 void Output::Tell(const Finding &finding, const std::string &templateName)
@@ -117,15 +121,8 @@ void Output::Tell(const Finding &finding, const std::string &templateName)
         where += finding.option + ": ";
         further["option"] = finding.option;
     }
-    if (IsJson())
-    {
-        json error = {{"severity", SeverityName(finding.severity)}, {"code", finding.code}};
-        error.update(further);
-        error["message"] = finding.message;
-        m_errors.push_back(std::move(error));
-    }
-    if (finding.severity == Severity::Error || !m_arguments.isQuiet)
-        ::Tell(OneLine(where + std::string(SeverityName(finding.severity)) + ": " + finding.message));
+    Record(finding.severity, finding.code, finding.message, further);
+    TellUnlessQuiet(finding.severity, where + std::string(SeverityName(finding.severity)) + ": " + finding.message);
 }
 
 void Output::TellVerbose(const std::string &message) const

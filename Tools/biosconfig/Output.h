@@ -27,9 +27,7 @@ public:
     /// Adds to the data that go out as text.
     void Add(std::string_view text) { m_data += text; }
 
-    /// Adds a member to the object that goes out as JSON.
-    void AddMember(std::string_view name, const json &value);
-    /// Starts a member that is an array, adds its elements one by one, and ends it.
+    /// Starts a member of the object that goes out as JSON, an array, adds its elements one by one, and ends it.
     void StartArray(std::string_view name);
     void AddElement(const json &element);
     void EndArray();
@@ -50,7 +48,8 @@ public:
     const std::vector<json> &Errors() const { return m_errors; }
 
 private:
-    void Begin();
+    void Record(Severity severity, std::string_view code, const std::string &message, const json &further);
+    void TellUnlessQuiet(Severity severity, const std::string &line) const;
 
     const Arguments &m_arguments;
     OutputFile m_file;

@@ -2,6 +2,7 @@
 #include "DebugConfCheck.h"
 #include "FilesystemPath.h"
 #include "LowerAscii.h"
+#include "ModuleWork.h"
 #include "OptionJson.h"
 #include "OptionValue.h"
 #include "Plan.h"
@@ -164,6 +165,7 @@ std::string Program(const Work &work, const Undertaking &undertaking)
     const std::string ending = undertaking.kind == TemplateKind::Text ? ".txt" : ".ini";
     const std::string path =
         folder.Write(undertaking.stem + ending, MakeTemplate(undertaking, work.arguments.onlyChanges));
+    MakeModulePlace(folder);
     TellOfDebugConf(work.output);
     return work.steps.Run(kProgramStep, path, "programming", work.output, true);
 }
@@ -184,6 +186,7 @@ ExitCode JudgeVerdicts(const std::vector<Verdict> &verdicts)
 std::vector<Verdict> VerdictsOf(const Plan &plan, const OptionTable &table)
 {
     std::vector<Verdict> verdicts;
+    verdicts.reserve(plan.changes.size());
     for (const PlannedChange &change : plan.changes)
         verdicts.push_back(Verify(change, table));
     return verdicts;
@@ -206,6 +209,7 @@ std::vector<Verdict> Apply(const Work &work, const Undertaking &undertaking, Exi
             throw;
         work.output.Tell(Severity::Error, MeaningOf(failure.code).word, failure.what());
         code = failure.code;
+        verdicts.reserve(plan.changes.size());
         for (const PlannedChange &change : plan.changes)
             verdicts.push_back(change.isToDo ? Verdict::Rejected : Verdict::Unchanged);
         return verdicts;

@@ -336,10 +336,10 @@ void AddChangesAsTable(const std::vector<OptionChange> &changes, Output &output)
     {
         const std::string oldText = change.before ? ValueText(*change.before, change.OldValue()) : "(added)";
         const std::string newText = change.after ? ValueText(*change.after, change.NewValue()) : "(removed)";
-        table.AddRow({{std::string(change.Either().name), Look::Name},
+        table.AddRow({{std::string(change.option.name), Look::Name},
                       {oldText.empty() ? "(empty)" : oldText, Look::Bad},
                       {newText.empty() ? "(empty)" : newText, Look::Good},
-                      {std::string(change.Either().page), Look::Faint}});
+                      {std::string(change.option.page), Look::Faint}});
     }
     output.Add(table.Text(output.Reader()));
 }
@@ -358,7 +358,7 @@ ExitCode AddChanges(const Work &work, const std::vector<OptionChange> &changes, 
         AddChangesAsTable(changes, output);
     std::unordered_set<std::string_view> pages;
     for (const OptionChange &change : changes)
-        pages.insert(change.Either().page);
+        pages.insert(change.option.page);
     if (output.Reader().IsThere() && !work.arguments.isQuiet)
         Tell(changes.empty() ? "nothing differs"
                              : std::to_string(changes.size()) +

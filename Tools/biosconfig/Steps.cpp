@@ -101,7 +101,7 @@ std::string Steps::Run(const std::string &step, const std::string &argument, con
         std::fputs(TextOf(messagesPath).c_str(), stderr);
     if (exitCode == Platform::kUnknownExitCode)
         throw Failure(ExitCode::Unexpected, "the process that did the work has crashed (" + what + ")");
-    const std::string result = WithoutLineEnd(TextOf(resultPath));
+    std::string result = WithoutLineEnd(TextOf(resultPath));
     if (!isDone)
         throw Failure(static_cast<ExitCode>(exitCode), result);
     return result;
@@ -151,7 +151,7 @@ ExitCode DoStep(const Arguments &arguments, const std::string &task)
         else if (step == kProgramStep)
             result = ProgramTemplate(arguments, argument);
         else if (step == kModuleStep)
-            result = DescribeModule(arguments);
+            result = DescribeModule(arguments, argument);
     }
     catch (const Failure &failure)
     {

@@ -67,14 +67,14 @@ TemporaryFolder::~TemporaryFolder()
 
 std::string TemporaryFolder::PathOf(const std::string &name)
 {
-    const std::string path = m_prefix + name;
+    std::string path = m_prefix + name;
     m_removed.emplace_back(path);
     return path;
 }
 
 std::string TemporaryFolder::Write(const std::string &name, std::string_view bytes)
 {
-    const std::string path = PathOf(name);
+    std::string path = PathOf(name);
     const Platform::StreamOwner stream = Platform::OpenStream(path, "wb");
     if (!stream || std::fwrite(bytes.data(), 1, bytes.size(), stream.get()) != bytes.size() ||
         std::fflush(stream.get()) != 0)
