@@ -56,10 +56,15 @@ std::string ShownPath(const std::string &path)
     return Platform::FromFilesystemPath(Platform::ToFilesystemPath(path).make_preferred());
 }
 
-std::string ToolPlace(const Arguments &arguments)
+void UseProgramFiles(const Arguments &arguments)
 {
     if (!arguments.programFiles.empty())
         Platform::WriteEnvironmentVariable(kProgramFiles, arguments.programFiles);
+}
+
+std::string ToolPlace(const Arguments &arguments)
+{
+    UseProgramFiles(arguments);
     std::string directory;
     if (GetEnvironmentalVaribaleBiosLib(kProgramFiles, directory) != StatusCode::Success)
         throw Failure(ExitCode::NoTool,

@@ -17,6 +17,9 @@ struct LoadedOptions
     bool isDamaged = false;
 };
 
+/// Has the environment variable ProgramFiles be what the user says, if anything.
+void UseProgramFiles(const Arguments &arguments);
+
 /// The external tool's directory, with its final separator. Throws Failure when it is not known.
 std::string ToolPlace(const Arguments &arguments);
 

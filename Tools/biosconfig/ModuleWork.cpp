@@ -75,12 +75,6 @@ std::string Report(ModuleHost &module, const Arguments &arguments)
     return module.Report(arguments.capability, arguments.format);
 }
 
-void UseProgramFiles(const Arguments &arguments)
-{
-    if (!arguments.programFiles.empty())
-        Platform::WriteEnvironmentVariable("ProgramFiles", arguments.programFiles);
-}
-
 /// Has the module do the work and gives the data. Throws Failure when it could not be done.
 std::string AskModule(const Arguments &arguments, const std::string &toolDirectory)
 {

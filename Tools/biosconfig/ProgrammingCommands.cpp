@@ -29,6 +29,15 @@ struct Undertaking
     std::string templateName;
 };
 
+/// Reads the options that are to be changed.
+Undertaking Begin(const Work &work)
+{
+    Undertaking undertaking(ReadOptions(work.arguments, work.steps, work.output));
+    if (work.arguments.isRedacted)
+        MarkRedacted(undertaking.before.table, work.arguments.redactedToo);
+    return undertaking;
+}
+
 /// The kind of a template; throws Failure where its name has no ending of one.
 TemplateKind KindOfTemplate(const std::string &path)
 {
@@ -39,6 +48,16 @@ TemplateKind KindOfTemplate(const std::string &path)
         return TemplateKind::KnobFile;
     throw Failure(ExitCode::NotValid,
                   path + " is no template: its name must end in .txt (assignments) or .ini (a knob file)");
+}
+
+/// The name of a template without its ending and without what the module does not take: a "." in front of the ending,
+/// and a quotation mark.
+std::string SafeStem(const std::string &path)
+{
+    std::string stem = Platform::FromFilesystemPath(Platform::ToFilesystemPath(path).stem());
+    std::replace_if(
+        stem.begin(), stem.end(), [](char character) { return character == '.' || character == '"'; }, '_');
+    return stem;
 }
 
 /// Reads a template and makes the plan for it.
@@ -53,14 +72,10 @@ Undertaking PrepareTemplate(const Work &work)
     if (text.find('\0') != std::string::npos || text.starts_with(kMarksOfUtf16[0]) ||
         text.starts_with(kMarksOfUtf16[1]))
         throw Failure(ExitCode::NotValid, path + " is no template: it is not UTF-8; save it anew in that encoding");
-    std::string stem = Platform::FromFilesystemPath(Platform::ToFilesystemPath(path).stem());
-    std::replace(stem.begin(), stem.end(), '.', '_'); // the module would take it for the beginning of an ending
-    Undertaking undertaking(ReadOptions(work.arguments, work.steps, work.output));
-    undertaking.stem = stem;
+    Undertaking undertaking = Begin(work);
+    undertaking.stem = SafeStem(path);
     undertaking.kind = kind;
     undertaking.templateName = path;
-    if (work.arguments.isRedacted)
-        MarkRedacted(undertaking.before.table, work.arguments.redactedToo);
     undertaking.plan = MakePlan(undertaking.before.table, ReadTemplate(text, kind), kind);
     return undertaking;
 }
@@ -192,11 +207,24 @@ std::vector<Verdict> VerdictsOf(const Plan &plan, const OptionTable &table)
     return verdicts;
 }
 
+/// The options behind the programming. Throws Failure, saying that it was done, where they cannot be read.
+LoadedOptions ReadBack(const Work &work)
+{
+    try
+    {
+        return ReadMachine(work.arguments, work.steps, work.output);
+    }
+    catch (const Failure &failure)
+    {
+        throw Failure(failure.code,
+                      "the options were programmed, and could not be read back: " + std::string(failure.what()));
+    }
+}
+
 /// Programs, reads back and judges.
 std::vector<Verdict> Apply(const Work &work, const Undertaking &undertaking, ExitCode &code)
 {
     const Plan &plan = undertaking.plan;
-    std::vector<Verdict> verdicts;
     try
     {
         const std::string message = Program(work, undertaking);
@@ -209,15 +237,15 @@ std::vector<Verdict> Apply(const Work &work, const Undertaking &undertaking, Exi
             throw;
         work.output.Tell(Severity::Error, MeaningOf(failure.code).word, failure.what());
         code = failure.code;
+        std::vector<Verdict> verdicts;
         verdicts.reserve(plan.changes.size());
         for (const PlannedChange &change : plan.changes)
             verdicts.push_back(change.isToDo ? Verdict::Rejected : Verdict::Unchanged);
         return verdicts;
     }
-    const LoadedOptions after = ReadMachine(work.arguments, work.steps, work.output);
-    verdicts = VerdictsOf(plan, after.table);
+    std::vector<Verdict> verdicts = VerdictsOf(plan, ReadBack(work).table);
     code = JudgeVerdicts(verdicts);
-    if (code == ExitCode::Mismatch || code == ExitCode::InPart || code == ExitCode::ToolFailed)
+    if (code != ExitCode::Done)
         work.output.Tell(Severity::Error, MeaningOf(code).word,
                          "not every option has been taken as it was programmed; the outcome of each is in the data");
     return verdicts;
@@ -269,9 +297,7 @@ ExitCode UpdateFromTemplate(const Work &work)
 
 ExitCode SetOptions(const Work &work)
 {
-    Undertaking undertaking(ReadOptions(work.arguments, work.steps, work.output));
-    if (work.arguments.isRedacted)
-        MarkRedacted(undertaking.before.table, work.arguments.redactedToo);
+    Undertaking undertaking = Begin(work);
     undertaking.plan = MakePlan(undertaking.before.table, ReadAssignments(work.arguments.words), TemplateKind::Text);
     const ExitCode code = CarryOut(work, undertaking);
     const std::vector<Finding> &findings = undertaking.plan.findings;
@@ -282,9 +308,7 @@ ExitCode SetOptions(const Work &work)
 
 ExitCode ResetOptions(const Work &work)
 {
-    Undertaking undertaking(ReadOptions(work.arguments, work.steps, work.output));
-    if (work.arguments.isRedacted)
-        MarkRedacted(undertaking.before.table, work.arguments.redactedToo);
+    Undertaking undertaking = Begin(work);
     ExitCode code = ExitCode::Done;
     std::vector<const BiosOption *> options;
     if (work.arguments.allOptions)

@@ -415,6 +415,24 @@ bool AddTemplate(const std::vector<const BiosOption *> &options, TemplateKind ki
     return assignments.size() + redacted == options.size();
 }
 
+/// Has `add` add each option that the command line names, or adds them all as JSON.
+template <typename Add>
+ExitCode WithNamedOptions(const Work &work, Add add)
+{
+    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
+    RedactIfWished(work, options.table);
+    ExitCode code = CodeOf(options);
+    const std::vector<const BiosOption *> found = FindOptions(work, options.table, code);
+    if (work.output.IsJson())
+    {
+        AddOptionsAsJson(found, work.output);
+        return code;
+    }
+    for (const BiosOption *const option : found)
+        add(*option, options.table);
+    return code;
+}
+
 } // namespace
 
 ExitCode ListOptions(const Work &work)
@@ -434,36 +452,20 @@ ExitCode ListOptions(const Work &work)
 
 ExitCode GetValues(const Work &work)
 {
-    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
-    RedactIfWished(work, options.table);
-    ExitCode code = CodeOf(options);
-    const std::vector<const BiosOption *> found = FindOptions(work, options.table, code);
-    if (work.output.IsJson())
-        AddOptionsAsJson(found, work.output);
-    for (const BiosOption *const option : found)
-    {
-        if (!work.output.IsJson())
-            work.output.Add(OneLine(ValueText(*option, option->currentValue)) + "\n");
-    }
-    return code;
+    return WithNamedOptions(work, [&](const BiosOption &option, const OptionTable & /*table*/)
+                            { work.output.Add(OneLine(ValueText(option, option.currentValue)) + "\n"); });
 }
 
 ExitCode ShowOptions(const Work &work)
 {
-    LoadedOptions options = ReadOptions(work.arguments, work.steps, work.output);
-    RedactIfWished(work, options.table);
-    ExitCode code = CodeOf(options);
-    const std::vector<const BiosOption *> found = FindOptions(work, options.table, code);
-    if (work.output.IsJson())
-        AddOptionsAsJson(found, work.output);
-    for (const BiosOption *const option : found)
-    {
-        if (work.output.IsJson())
-            break;
-        work.output.Add(option == found.front() ? "" : "\n");
-        OptionPage(*option, options.table, work.output).Write();
-    }
-    return code;
+    bool isFirst = true;
+    return WithNamedOptions(work,
+                            [&](const BiosOption &option, const OptionTable &table)
+                            {
+                                work.output.Add(isFirst ? "" : "\n");
+                                isFirst = false;
+                                OptionPage(option, table, work.output).Write();
+                            });
 }
 
 ExitCode SearchOptions(const Work &work)

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 
 namespace
 {
@@ -59,6 +60,37 @@ std::string WithoutLineEnd(std::string text)
     return text;
 }
 
+/// Has a worker do `task` and gives its exit code. Throws Failure when it crashes and when the time is up; `what` is
+/// what the user is told of.
+std::uint32_t RunWorker(const Arguments &arguments, char *const *commandLine, const std::string &task,
+                        const std::string &what, std::FILE *output, std::FILE *messages)
+{
+    Platform::WriteEnvironmentVariable(kWorkerVariable, task);
+    Platform::Worker worker(commandLine, output, messages);
+    Platform::WriteEnvironmentVariable(kWorkerVariable, "");
+    if (!worker)
+        throw Failure(ExitCode::Unexpected, "cannot start the process that does the work");
+    // Not between messages that come as they are written.
+    ProgressLine progress(what, arguments.isQuiet || !messages);
+    std::uint32_t exitCode = 0;
+    for (std::uint32_t seconds = 1; !worker.Wait(1, exitCode); ++seconds)
+    {
+        progress.Show(seconds);
+        if (seconds != arguments.timeLimit)
+            continue;
+        worker.End();
+        throw Failure(ExitCode::TimedOut, what + " has taken more than " + std::to_string(seconds) +
+                                              " s; the external tool was ended, with whatever it had started");
+    }
+    return exitCode;
+}
+
+void RequireNoCrash(std::uint32_t exitCode, const std::string &what)
+{
+    if (exitCode == Platform::kUnknownExitCode)
+        throw Failure(ExitCode::Unexpected, "the process that did the work has crashed (" + what + ")");
+}
+
 } // namespace
 
 std::string Steps::Run(const std::string &step, const std::string &argument, const std::string &what,
@@ -76,21 +108,7 @@ std::string Steps::Run(const std::string &step, const std::string &argument, con
         const Platform::StreamOwner messages = Platform::CreateStream(messagesPath);
         if (!result || !messages)
             throw Failure(ExitCode::Unexpected, "cannot write temporary files to " + folder.Prefix());
-        Platform::WriteEnvironmentVariable(kWorkerVariable, step + " " + argument);
-        Platform::Worker worker(m_commandLine, result.get(), messages.get());
-        Platform::WriteEnvironmentVariable(kWorkerVariable, "");
-        if (!worker)
-            throw Failure(ExitCode::Unexpected, "cannot start the process that does the work");
-        ProgressLine progress(what, m_arguments.isQuiet);
-        for (std::uint32_t seconds = 1; !worker.Wait(1, exitCode); ++seconds)
-        {
-            progress.Show(seconds);
-            if (seconds != m_arguments.timeLimit)
-                continue;
-            worker.End();
-            throw Failure(ExitCode::TimedOut, what + " has taken more than " + std::to_string(seconds) +
-                                                  " s; the external tool was ended, with whatever it had started");
-        }
+        exitCode = RunWorker(m_arguments, m_commandLine, step + " " + argument, what, result.get(), messages.get());
     }
     Platform::MonotonicMilliseconds(end);
     output.TellVerbose(what + ": " + std::to_string(end - start) + " ms");
@@ -99,8 +117,7 @@ std::string Steps::Run(const std::string &step, const std::string &argument, con
     const bool isWanted = !isDone || m_arguments.isVerbose || (showsMessages && !m_arguments.isQuiet);
     if (isWanted && !m_arguments.isRedacted)
         std::fputs(TextOf(messagesPath).c_str(), stderr);
-    if (exitCode == Platform::kUnknownExitCode)
-        throw Failure(ExitCode::Unexpected, "the process that did the work has crashed (" + what + ")");
+    RequireNoCrash(exitCode, what);
     std::string result = WithoutLineEnd(TextOf(resultPath));
     if (!isDone)
         throw Failure(static_cast<ExitCode>(exitCode), result);
@@ -109,20 +126,10 @@ std::string Steps::Run(const std::string &step, const std::string &argument, con
 
 std::uint32_t RunReportWorker(const Arguments &arguments, char *const *commandLine, std::FILE *output)
 {
-    Platform::WriteEnvironmentVariable(kWorkerVariable, std::string(kReportStep) + " ");
-    Platform::Worker worker(commandLine, output);
-    Platform::WriteEnvironmentVariable(kWorkerVariable, "");
-    if (!worker)
-        throw Failure(ExitCode::Unexpected, "cannot start the process that does the work");
-    std::uint32_t exitCode = 0;
-    if (!worker.Wait(arguments.timeLimit, exitCode))
-    {
-        worker.End();
-        throw Failure(ExitCode::TimedOut, "the work has taken more than " + std::to_string(arguments.timeLimit) +
-                                              " s; the external tool was ended, with whatever it had started");
-    }
-    if (exitCode == Platform::kUnknownExitCode)
-        throw Failure(ExitCode::Unexpected, "the process that did the work has crashed");
+    const std::string what = "the work";
+    const std::uint32_t exitCode =
+        RunWorker(arguments, commandLine, std::string(kReportStep) + " ", what, output, nullptr);
+    RequireNoCrash(exitCode, what);
     return exitCode;
 }
 
@@ -157,6 +164,11 @@ ExitCode DoStep(const Arguments &arguments, const std::string &task)
     {
         result = failure.what();
         code = failure.code;
+    }
+    catch (const std::exception &failure)
+    {
+        result = failure.what();
+        code = ExitCode::Unexpected;
     }
     std::printf("%s\n", result.c_str());
     return code;
