@@ -118,7 +118,7 @@ def check_json():
              "diff": ["diff", "small.xml"], "update": ["update", "good.txt", "--dry-run"],
              "set": ["set", "PostDelay=12", "--dry-run"], "reset": ["reset", "--all", "--dry-run"]}
     runs = [(name, [*call, *small]) for name, call in calls.items()]
-    runs += [("set", ["set", "BootNumLock=Off", "AssetTag=x"]), ("update", ["update", "missing.txt"]), ("doctor", ["doctor"]),
+    runs += [("set", ["set", "BootOnErrors=Checked", "AssetTag=x"]), ("update", ["update", "missing.txt"]), ("doctor", ["doctor"]),
              ("diff", ["diff", "small.xml", "--redact"]), ("show", ["show", "BootFast"]), ("list", ["list", "--from", "nowhere"])]
     for name, arguments in runs:
         schema = json.loads((ROOT / f"Docs/Schemas/{name}.schema.json").read_text())
@@ -136,6 +136,26 @@ def check_json():
                       ["reset", "--all", "--dry-run"], ["set", "AssetTag=Läb 7", "--dry-run", "--json"]):
         outcome = run(*arguments, "--redact", *small)
         check(not any(secret in outcome.stdout + outcome.stderr for secret in secrets), f"{arguments} leaks")
+    check("machine" in json.loads(run("pages", "--json").stdout)["tool"], "the machine is not named")
+    check("machine" not in json.loads(run("list", "--json", "--redact-also", "x").stdout)["tool"], "the machine is named")
+    check("The BIOS interface" in run("list", "-v").stderr and "The BIOS interface" not in run("list", "-v", "--redact").stderr,
+          "what the tool says")
+
+
+def check_exports():
+    """A knob file, a dump, and what waits for a restart."""
+    small = ["--from", "small.xml"]
+    run("export", "PostDelay", "-o", "knobs.ini", *small)
+    check(pathlib.Path("knobs.ini").read_text() == "[BiosKnobs]\nPostDelay==10\n", "the knob file of an export")
+    check(run("check", "knobs.ini", *small).returncode == 0, "the knob file of an export is not taken back")
+    run("export", "-o", "copy.xml", *small)
+    check(pathlib.Path("copy.xml").read_bytes() == SMALL.read_bytes(), "the dump of an export")
+    check(run("export", "Post*", "-o", "part.xml", *small).returncode == 64, "a part of a dump")
+    check(run("list", "--pending").stdout == "", "something waits")
+    run("set", "BootNumLock=Off")
+    check(run("list", "--pending").stdout.startswith("BootNumLock  On") and run("list", "--pending").stdout.count("\n") == 1,
+          "what waits")
+    check(run("set", "BootNumLock=On").stdout == "BootNumLock  On (pending Off)  On  in effect\n", "what waits is taken back")
 
 
 def command_lines():
@@ -202,7 +222,7 @@ with tempfile.TemporaryDirectory() as directory:
     os.mkdir(tempfile.tempdir)
     lay_out(pathlib.Path(directory))
     GOLDEN.mkdir(exist_ok=True)
-    for group in (check_terminals, check_json, check_questions, check_streams, check_completion, check_documents):
+    for group in (check_terminals, check_exports, check_json, check_questions, check_streams, check_completion, check_documents):
         start = time.monotonic()
         group()
         print(f"{group.__name__}: {time.monotonic() - start:.1f} s")

@@ -60,8 +60,8 @@ std::string WithoutLineEnd(std::string text)
     return text;
 }
 
-/// Has a worker do `task` and gives its exit code. Throws Failure when it crashes and when the time is up; `what` is
-/// what the user is told of.
+/// Has a worker do `task` and gives its exit code. Throws Failure when the time is up; `what` is what the user is told
+/// of.
 std::uint32_t RunWorker(const Arguments &arguments, char *const *commandLine, const std::string &task,
                         const std::string &what, std::FILE *output, std::FILE *messages)
 {
