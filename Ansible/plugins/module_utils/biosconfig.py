@@ -75,8 +75,11 @@ def message_of(failures, shown=5):
     return ". ".join(lines)
 
 
-def failures_of(exit_code, document):
-    """The failures that a document of biosconfig tells of; at least one where the exit code is one."""
+def failures_of(exit_code, document, has_lines=True):
+    """The failures that a document of biosconfig tells of; at least one where the exit code is one.
+
+    Without `has_lines` the template was not the user's own, and its lines are not named.
+    """
     found = []
     what, way_out = EXIT_CODES.get(exit_code, ("biosconfig ended with exit code %d" % exit_code,
                                                "run the command by hand on the machine"))
@@ -87,7 +90,7 @@ def failures_of(exit_code, document):
     for error in document.get("errors", []):
         if error["severity"] != "error":
             continue
-        place = "line %d: " % error["line"] if "line" in error else ""
+        place = "line %d: " % error["line"] if has_lines and "line" in error else ""
         found.append(failure(place + error["message"], WAYS_OUT_OF_FINDINGS.get(error["code"], way_out),
                              error.get("option")))
     if not found:

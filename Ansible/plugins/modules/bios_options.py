@@ -110,8 +110,9 @@ reboot_required:
 verdicts:
   description:
     - What became of each option, by name.
-    - One of C(pending restart), C(in effect), C(unchanged), C(rejected), C(mismatch); in check mode C(to program)
-      takes the place of the outcome.
+    - One of C(pending restart), C(in effect), C(unchanged), C(rejected), C(mismatch).
+    - In check mode C(to program) takes the place of the outcome. Where a name or a value is wrong it is C(refused), and
+      all others are C(not programmed) or C(unchanged).
   type: dict
   returned: always
   sample: {"BootFast": "pending restart", "BootMode": "unchanged"}
@@ -157,7 +158,6 @@ ARGUMENTS = dict(
     tool_dir=dict(type="path"),
 )
 PROGRAMMED = ("pending restart", "in effect", "mismatch")
-HIDDEN = "(hidden)"
 
 
 def problem_of_name(name):
@@ -265,20 +265,33 @@ def diff_of(changes):
     """Old and new values in Ansible's form of a difference."""
     before, after = [], []
     for change in changes:
-        is_hidden = change["old"] is None and change["new"] is None
-        before.append("%s = %s\n" % (change["name"], HIDDEN if is_hidden else change["old"]))
-        after.append("%s = %s\n" % (change["name"], HIDDEN + ", another value" if is_hidden else change["new"]))
+        old, new = change["old"], change["new"]
+        if old is None and new is None:
+            old, new = "(hidden)", "(hidden, another value)"
+        elif old == new:
+            old += " (another value waits for a restart)"
+        before.append("%s = %s\n" % (change["name"], old))
+        after.append("%s = %s\n" % (change["name"], new))
     return dict(before="".join(before), after="".join(after),
                 before_header="BIOS options", after_header="BIOS options")
 
 
-def verdict_of(change, waiting):
+def verdict_of(change, waiting, is_failed):
     """One of the words that the documentation lists."""
     if "verdict" in change:
         return change["verdict"]
     if change["toProgram"]:
-        return "to program"
+        return "not programmed" if is_failed else "to program"
     return "pending restart" if change["name"] in waiting else "unchanged"
+
+
+def verdicts_of(document, waiting, is_failed):
+    """The verdicts by name, also of options that were refused before there was a plan for them."""
+    verdicts = dict((change["name"], verdict_of(change, waiting, is_failed)) for change in document.get("changes", []))
+    for error in document.get("errors", []):
+        if error["severity"] == "error" and error.get("option"):
+            verdicts[error["option"]] = "refused"
+    return verdicts
 
 
 def summarize(undertaking, code, document):
@@ -286,7 +299,7 @@ def summarize(undertaking, code, document):
     module = undertaking.module
     planned = document.get("changes", [])
     waiting = undertaking.waiting(planned) if code == 0 else set()
-    verdicts = dict((change["name"], verdict_of(change, waiting)) for change in planned)
+    verdicts = verdicts_of(document, waiting, code != 0)
     to_program = [change for change in planned if change["toProgram"]]
     done = [change for change in to_program if change.get("verdict") in PROGRAMMED]
     is_plan = module.check_mode and code == 0
@@ -298,9 +311,9 @@ def summarize(undertaking, code, document):
                  for change in to_program],
     )
     if module._diff and (is_plan or done):
-        result["diff"] = diff_of([change for change in result["changes"]])
+        result["diff"] = diff_of(result["changes"])
     if code != 0:
-        result.update(failures=failures_of(code, document), exit_code=code)
+        result.update(failures=failures_of(code, document, bool(module.params["template"])), exit_code=code)
     return result
 
 
