@@ -22,4 +22,5 @@ class ActionModule(ActionBase):
         for name in sorted(self._VALID_ARGS):
             if self._task.args.get(name) is None:
                 raise AnsibleActionFail("%s is missing" % name)
-        return dict(result, changed=False, dest=keep(self._task.args["dest"], self._task.args["content"]))
+        content = self._task.args["content"]
+        return dict(result, changed=False, dest=keep(self._task.args["dest"], content), content=content)

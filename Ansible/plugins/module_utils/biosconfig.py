@@ -65,14 +65,19 @@ def failure(reason, way_out, option=None):
 
 
 def message_of(failures, shown=5):
-    """One text of all failures; of more than `shown` the rest is counted."""
-    lines = []
-    for entry in failures[:shown]:
-        begin = entry["option"] + ": " if entry["option"] else ""
-        lines.append("%s%s; way out: %s" % (begin, entry["reason"], entry["way_out"]))
-    if len(failures) > shown:
-        lines.append("and %d more" % (len(failures) - shown))
-    return ". ".join(lines)
+    """One text of all failures; options of one reason stand together, and of more than `shown` the rest is counted."""
+    options = {}
+    for entry in failures:
+        options.setdefault((entry["reason"], entry["way_out"]), []).append(entry["option"])
+    sentences = []
+    for (reason, way_out), names in options.items():
+        named = [name for name in names if name]
+        more = " and %d more" % (len(named) - shown) if len(named) > shown else ""
+        begin = ", ".join(named[:shown]) + more + ": " if named else ""
+        sentences.append("%s%s; way out: %s" % (begin, reason, way_out))
+    if len(sentences) > shown:
+        sentences[shown:] = ["and %d more" % (len(sentences) - shown)]
+    return ". ".join(sentences)
 
 
 def failures_of(exit_code, document, has_lines=True):

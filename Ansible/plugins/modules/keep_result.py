@@ -40,4 +40,8 @@ dest:
   description: The file.
   type: str
   returned: success
+content:
+  description: What was written, so that one task can keep it both in the file and in a variable.
+  type: raw
+  returned: success
 """
