@@ -253,7 +253,6 @@ private:
         const std::string condition = ConditionText(option, *TableOf(row));
         if (!condition.empty())
             AppendElement("<p class=\"condition\">", condition, "</p>");
-        AppendDetails(option);
         Append("</th>");
         AppendValues(row);
         Append("</tr>");
@@ -327,6 +326,7 @@ private:
         {
             Append("<td>");
             AppendValue(*row.option);
+            AppendDetails(*row.option);
             Append("</td>");
             return;
         }
@@ -335,6 +335,8 @@ private:
             Append(row.differsIn[column] ? "<td class=\"differs\">" : "<td>");
             AppendElement("<span class=\"column\">", m_content.columns[column].title, "</span>");
             AppendValueOrNone(row.inColumns[column]);
+            if (column == 0)
+                AppendDetails(*row.option);
             Append("</td>");
         }
         if (!m_isSideBySide)
