@@ -252,6 +252,24 @@ std::string AsPrefix(const std::string &directory)
     return directory.find_last_of("/\\") == directory.size() - 1 ? directory : directory + "/";
 }
 
+bool OpenWithItsProgram(const std::string &path)
+{
+    // A path that begins with "-" would be taken for an option.
+    std::string file = std::filesystem::absolute(ToFilesystemPath(path)).string();
+    std::string program = "xdg-open";
+    char *const arguments[] = {program.data(), file.data(), nullptr};
+    pid_t process = 0;
+    int status = 0;
+    if (posix_spawnp(&process, program.c_str(), nullptr, nullptr, arguments, environ) != 0)
+        return false;
+    while (waitpid(process, &status, 0) < 0)
+    {
+        if (errno != EINTR)
+            return false;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
 bool CanBePlainFile(const std::string &path)
 {
     std::error_code error;

@@ -7,6 +7,8 @@
 #include <io.h>
 #include <memory>
 #include <windows.h>
+// This one needs what that declares.
+#include <shellapi.h>
 
 namespace Platform
 {
@@ -277,6 +279,13 @@ std::string AsPrefix(const std::string &directory)
     if (directory.find_last_of("/\\") == directory.size() - 1 || (directory.size() == 2 && directory[1] == ':'))
         return directory;
     return directory + (directory.starts_with("\\\\?\\") ? '\\' : '/');
+}
+
+bool OpenWithItsProgram(const std::string &path)
+{
+    constexpr INT_PTR kLargestError = 32;
+    return reinterpret_cast<INT_PTR>(
+               ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) > kLargestError;
 }
 
 bool CanBePlainFile(const std::string &path)

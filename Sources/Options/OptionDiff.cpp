@@ -20,6 +20,11 @@ std::string_view OptionChange::NewValue() const
     return after ? after->currentValue : std::string_view();
 }
 
+bool AreKnownToDiffer(const BiosOption &before, const BiosOption &after)
+{
+    return !before.isRedacted && !after.isRedacted && !IsSameValue(after, before.currentValue, after.currentValue);
+}
+
 std::vector<OptionChange> Diff(const OptionTable &before, const OptionTable &after)
 {
     std::vector<OptionChange> changes;
@@ -30,7 +35,7 @@ std::vector<OptionChange> Diff(const OptionTable &before, const OptionTable &aft
         const BiosOption *const other = after.Find(option.name);
         if (!other)
             changes.push_back({ChangeKind::Removed, option, &option, nullptr});
-        else if (!IsSameValue(*other, option.currentValue, other->currentValue))
+        else if (AreKnownToDiffer(option, *other))
             changes.push_back({ChangeKind::Changed, *other, &option, other});
     }
     for (const BiosOption &option : after.Options())

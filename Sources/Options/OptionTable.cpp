@@ -143,6 +143,13 @@ OptionTable::OptionTable(KnobList &&knobs, const FurtherDetails &further)
     }
 }
 
+OptionTable::OptionTable(std::deque<std::string> &&texts, std::vector<BiosOption> &&options)
+    : m_texts(std::move(texts)), m_options(std::move(options))
+{
+    m_further.tellsPending = std::any_of(m_options.begin(), m_options.end(),
+                                         [](const BiosOption &option) { return option.pendingValue.has_value(); });
+}
+
 const BiosOption *OptionTable::Find(std::string_view name) const
 {
     if (m_index.empty())

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -67,6 +68,8 @@ class OptionTable
 public:
     OptionTable() = default;
     OptionTable(KnobList &&knobs, const FurtherDetails &further);
+    /// Options that come from elsewhere; their texts are views into `texts`.
+    OptionTable(std::deque<std::string> &&texts, std::vector<BiosOption> &&options);
     OptionTable(OptionTable &&) = default;
     OptionTable &operator=(OptionTable &&) = delete;
 
@@ -85,6 +88,7 @@ public:
 
 private:
     KnobList m_knobs;
+    std::deque<std::string> m_texts;
     /// Values that the records do not have; by their options' records.
     FurtherDetails m_further;
     std::vector<BiosOption> m_options;

@@ -3,6 +3,7 @@
 #include "Glob.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace
 {
@@ -33,12 +34,14 @@ bool IsToBeRedacted(const BiosOption &option, std::span<const std::string> furth
 void MarkRedacted(OptionTable &table, std::span<const std::string> further)
 {
     for (BiosOption &option : table.Options())
-        option.isRedacted = IsToBeRedacted(option, further);
+        option.isRedacted = option.isRedacted || IsToBeRedacted(option, further);
 }
 
-void Redact(OptionTable &table, std::span<const std::string> further)
+namespace
 {
-    MarkRedacted(table, further);
+
+void TakeValuesOut(OptionTable &table)
+{
     for (BiosOption &option : table.Options())
     {
         if (!option.isRedacted)
@@ -47,5 +50,33 @@ void Redact(OptionTable &table, std::span<const std::string> further)
         option.currentValue = {};
         if (option.pendingValue)
             option.pendingValue = std::string_view();
+    }
+}
+
+} // namespace
+
+void Redact(OptionTable &table, std::span<const std::string> further)
+{
+    MarkRedacted(table, further);
+    TakeValuesOut(table);
+}
+
+void RedactTogether(std::span<OptionTable *const> tables, std::span<const std::string> further)
+{
+    std::unordered_set<std::string_view> names;
+    for (OptionTable *const table : tables)
+    {
+        MarkRedacted(*table, further);
+        for (const BiosOption &option : table->Options())
+        {
+            if (option.isRedacted)
+                names.insert(option.name);
+        }
+    }
+    for (OptionTable *const table : tables)
+    {
+        for (BiosOption &option : table->Options())
+            option.isRedacted = names.contains(option.name);
+        TakeValuesOut(*table);
     }
 }

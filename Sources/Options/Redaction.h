@@ -21,3 +21,7 @@ void MarkRedacted(OptionTable &table, std::span<const std::string> further);
 /// Marks them and takes their values out: no format can show what is not there any more. What has been
 /// found out about them before (changed, different) stays.
 void Redact(OptionTable &table, std::span<const std::string> further);
+
+/// The same for several tables that are shown side by side: what is to be redacted in one of them is redacted, by its
+/// name, in all.
+void RedactTogether(std::span<OptionTable *const> tables, std::span<const std::string> further);

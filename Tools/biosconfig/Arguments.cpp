@@ -68,6 +68,8 @@ constexpr CommandLine kCommands[] = {
      "Shows what differs: between two dumps, a dump and this machine, or (--defaults) the defaults and the values"},
     {Command::Export, "export", "[GLOB...]", 0, kAnyNumber, kReading | kChanged,
      "Writes a template that \"update\" takes back; to a file .ini a knob file, to a file .xml the whole dump"},
+    {Command::View, "view", "", 0, 0, kFromDump | kTool | kShown | kRedact | kOutput,
+     "Makes a page for a browser: to find options, to see what was changed, to compare machines"},
     {Command::Check, "check", "TEMPLATE", 1, 1, kFromDump | kTool | kShown | kJson | kRedact | kOutput,
      "Judges a template as \"update\" would, and writes nothing"},
     {Command::Update, "update", "TEMPLATE", 1, 1, kProgramming | kFromDump,
@@ -121,6 +123,7 @@ constexpr const char *kExamples = R"(  biosconfig list 'Boot*'                  
   biosconfig check bench.txt                       will this template fit?
   biosconfig update bench.txt                      apply it, and prove it
   biosconfig export --redact -o settings.txt       settings to be sent to somebody
+  biosconfig view --open                           look around
   biosconfig report --tool-dir /opt/tarnwell -o bios.xml
 )";
 
@@ -260,6 +263,18 @@ void AddOwnOptions(CLI::App &command, Command which, Arguments &parsed)
         command.add_flag("--defaults", parsed.toDefaults, "Compares the values with the defaults");
         command.add_flag("--exit-code", parsed.tellsDifferenceByExitCode, "Ends with 2 when something differs");
     }
+    if (which == Command::View)
+    {
+        command
+            .add_option("--compare", parsed.comparedPaths,
+                        "Also the options of this file, a dump or what \"list --json\" has written (may be given again)")
+            ->check(kNotEmpty)
+            ->type_name("FILE")
+            ->allow_extra_args(false);
+        command.add_flag("--no-time", parsed.tellsNoTime, "Does not say when the page was made");
+        command.add_flag("--open", parsed.opensPage,
+                         "Opens the page in the browser; without -o it is kept among the temporary files");
+    }
     if (which == Command::Reset)
         command.add_flag("--all", parsed.allOptions, "All options");
     if (which != Command::Report)
@@ -278,9 +293,11 @@ void AddOptions(CLI::App &command, const CommandLine &line, Arguments &parsed)
 {
     const unsigned groups = line.groups;
     if (groups & kFromDump)
-        command.add_option("--from", parsed.dumpPath, "A dump to be read in the place of this machine")
+        command
+            .add_option("--from", parsed.dumpPath,
+                        "A dump to be read in the place of this machine, or a file .json of \"list --json\"")
             ->check(kNotEmpty)
-            ->type_name("DUMP.xml");
+            ->type_name("FILE");
     if (groups & kChanged)
         command.add_flag("--changed", parsed.onlyChanged, "Only options whose value is not their default");
     if (groups & kTool)

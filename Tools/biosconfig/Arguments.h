@@ -19,6 +19,7 @@ enum class Command
     Pages,
     Diff,
     Export,
+    View,
     Check,
     Update,
     Set,
@@ -79,6 +80,10 @@ struct Arguments
     bool isAgreed = false;
     bool onlyChanges = false;
     bool allOptions = false;
+    /// The files to be compared with the options.
+    std::vector<std::string> comparedPaths;
+    bool tellsNoTime = false;
+    bool opensPage = false;
 
     std::string formatName = "ui-xml";
     OutputKind format = OutputKind::UiXml;

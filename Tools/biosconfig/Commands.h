@@ -21,6 +21,7 @@ ExitCode SearchOptions(const Work &work);
 ExitCode ListPages(const Work &work);
 ExitCode DiffOptions(const Work &work);
 ExitCode ExportTemplate(const Work &work);
+ExitCode ViewOptions(const Work &work);
 ExitCode CheckTemplate(const Work &work);
 ExitCode UpdateFromTemplate(const Work &work);
 ExitCode SetOptions(const Work &work);

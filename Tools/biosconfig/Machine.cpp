@@ -2,6 +2,8 @@
 
 #include "FilesystemPath.h"
 #include "KnobDump.h"
+#include "LowerAscii.h"
+#include "OptionReader.h"
 #include "Platform.h"
 #include "Program.h"
 #include "ToolProgram.h"
@@ -73,6 +75,9 @@ std::string ToolPlace(const Arguments &arguments)
     return directory;
 }
 
+namespace
+{
+
 LoadedOptions ReadDumpFile(const std::string &file, Output &output)
 {
     const std::string path = ShownPath(file);
@@ -99,6 +104,22 @@ LoadedOptions ReadDumpFile(const std::string &file, Output &output)
     return {OptionTable(std::move(knobs), further), damagedLine != 0};
 }
 
+LoadedOptions ReadListFile(const std::string &file, Output &output)
+{
+    LoadedOptions options = ReadOptionList(file);
+    if (options.isDamaged)
+        output.Tell(Severity::Warning, "damaged-dump",
+                    "the list " + ShownPath(file) + " was made of a damaged dump; options may be missing");
+    return options;
+}
+
+} // namespace
+
+LoadedOptions ReadOptionsFile(const std::string &file, Output &output)
+{
+    return LowerAscii(file).ends_with(".json") ? ReadListFile(file, output) : ReadDumpFile(file, output);
+}
+
 LoadedOptions ReadMachine(const Arguments &arguments, const Steps &steps, Output &output)
 {
     const std::string directory = ToolPlace(arguments);
@@ -117,7 +138,7 @@ LoadedOptions ReadMachine(const Arguments &arguments, const Steps &steps, Output
 LoadedOptions ReadOptions(const Arguments &arguments, const Steps &steps, Output &output)
 {
     return arguments.dumpPath.empty() ? ReadMachine(arguments, steps, output)
-                                      : ReadDumpFile(arguments.dumpPath, output);
+                                      : ReadOptionsFile(arguments.dumpPath, output);
 }
 
 void MakeDump(const Arguments &arguments)

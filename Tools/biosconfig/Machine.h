@@ -29,10 +29,11 @@ std::string ShownPath(const std::string &path);
 /// Has the external tool make a dump and reads it. Throws Failure when that cannot be done; a damaged dump is told of.
 LoadedOptions ReadMachine(const Arguments &arguments, const Steps &steps, Output &output);
 
-/// Reads a dump. Throws Failure when that cannot be done; a damaged one is told of.
-LoadedOptions ReadDumpFile(const std::string &file, Output &output);
+/// Reads a dump or, where the name ends in ".json", what "list --json" has written. Throws Failure when that cannot be
+/// done; a damaged dump is told of.
+LoadedOptions ReadOptionsFile(const std::string &file, Output &output);
 
-/// The options that the user means: of the dump of --from, or of the machine.
+/// The options that the user means: of the file of --from, or of the machine.
 LoadedOptions ReadOptions(const Arguments &arguments, const Steps &steps, Output &output);
 
 // What a worker does.

@@ -1,5 +1,6 @@
 #include "OptionJson.h"
 
+#include "OptionText.h"
 #include "OptionValue.h"
 
 namespace
@@ -16,11 +17,6 @@ void AddValue(json &object, const char *name, const BiosOption &option, std::str
 {
     if (!option.isRedacted)
         object[name] = ValueJson(option, value);
-}
-
-bool HasDefault(const BiosOption &option)
-{
-    return option.kind == OptionKind::Text || !option.defaultValue.empty();
 }
 
 } // namespace

@@ -5,19 +5,12 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 namespace
 {
 
 constexpr int kSchemaVersion = 1;
-
-std::string TimeNow()
-{
-    const std::time_t now = std::time(nullptr);
-    const std::tm *const utc = std::gmtime(&now);
-    std::array<char, 32> text = {};
-    return utc && std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", utc) != 0 ? text.data() : "";
-}
 
 /// What made the object, where and when.
 json DescribeTool(const Arguments &arguments)
@@ -51,6 +44,14 @@ std::string Tail(const std::vector<json> &errors)
 }
 
 } // namespace
+
+std::string TimeNow()
+{
+    const std::time_t now = std::time(nullptr);
+    const std::tm *const utc = std::gmtime(&now);
+    std::array<char, 32> text = {};
+    return utc && std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", utc) != 0 ? text.data() : "";
+}
 
 void Tell(const std::string &message)
 {
@@ -133,6 +134,8 @@ void Output::TellVerbose(const std::string &message) const
 
 void Output::Finish()
 {
+    if (std::exchange(m_isFinished, true))
+        return;
     if (IsJson())
         m_data += Tail(m_errors);
     m_file.Write(m_data);

@@ -40,7 +40,7 @@ public:
     /// Tells what happens, to those who want to know.
     void TellVerbose(const std::string &message) const;
 
-    /// Puts the data out. Throws Failure when that fails. To be called once.
+    /// Puts the data out, the first time. Throws Failure when that fails.
     void Finish();
 
     /// Puts out the JSON object of a command that has ended with a failure; nothing without --json.
@@ -56,8 +56,12 @@ private:
     Terminal m_reader;
     std::string m_data;
     bool m_hasElements = false;
+    bool m_isFinished = false;
     std::vector<json> m_errors;
 };
+
+/// The time, as JSON has it (ISO 8601, UTC): "2026-03-02T09:12:45Z". Empty when the system does not tell.
+std::string TimeNow();
 
 /// A line on standard error: "biosconfig: " and the message.
 void Tell(const std::string &message);

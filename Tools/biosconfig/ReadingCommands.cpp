@@ -4,12 +4,13 @@
 #include "LowerAscii.h"
 #include "OptionDiff.h"
 #include "OptionJson.h"
+#include "OptionText.h"
 #include "OptionValue.h"
+#include "PageTree.h"
 #include "Platform.h"
 #include "Redaction.h"
 
 #include <algorithm>
-#include <map>
 #include <unordered_set>
 
 namespace
@@ -32,31 +33,6 @@ void RedactIfWished(const Work &work, OptionTable &table)
 {
     if (work.arguments.isRedacted)
         Redact(table, work.arguments.redactedToo);
-}
-
-std::string CsvCell(std::string_view text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos)
-        return std::string(text);
-    std::string cell = "\"";
-    for (const char character : text)
-        cell.append(character == '"' ? 2 : 1, character);
-    return cell + "\"";
-}
-
-void ListAsCsv(const std::vector<const BiosOption *> &options, Output &output)
-{
-    output.Add("Name,Value,Prompt,Page,Default,Changed\n");
-    for (const BiosOption *const option : options)
-    {
-        const std::string cells[] = {
-            std::string(option->name), ValueText(*option, option->currentValue), std::string(option->prompt),
-            std::string(option->page), ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
-        std::string line;
-        for (const std::string &cell : cells)
-            line.append(line.empty() ? "" : ",").append(CsvCell(cell));
-        output.Add(line + "\n");
-    }
 }
 
 void AddOptionsAsJson(const std::vector<const BiosOption *> &options, Output &output)
@@ -83,16 +59,6 @@ void ListAsTable(const std::vector<const BiosOption *> &options, Output &output)
     output.Add(table.Text(output.Reader()));
 }
 
-/// The value for the list of `show`: its text, with the number where that says something else.
-std::string DetailedValue(const BiosOption &option, std::string_view value)
-{
-    const std::string text = ValueText(option, value);
-    const std::optional<std::uint64_t> number = ValueNumber(option, value);
-    if (option.isRedacted || !number || text == value)
-        return text.empty() ? "(empty)" : text;
-    return text + " (" + std::string(value) + ")";
-}
-
 /// Writes what `show` says of an option.
 class OptionPage
 {
@@ -111,15 +77,15 @@ public:
         for (const std::string &line : Wrap(m_option.help, m_columns - 2))
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
-        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(), LookOfValue(m_option));
-        if (m_option.kind == OptionKind::Text || !m_option.defaultValue.empty())
+        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option), LookOfValue(m_option));
+        if (HasDefault(m_option))
             AddField("Default", DetailedValue(m_option, m_option.defaultValue));
         if (m_option.pendingValue)
             AddField("Pending", DetailedValue(m_option, *m_option.pendingValue) + ", from the next restart on",
                      Look::Warning);
-        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText());
+        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText(m_option));
         AddField("Page", std::string(m_option.page));
-        AddField("Condition", ConditionText());
+        AddField("Condition", ConditionText(m_option, m_table));
         AddChoices();
     }
 
@@ -132,37 +98,6 @@ private:
         const std::string head =
             std::string("  ") + title + std::string(kTitleColumns - std::string(title).size(), ' ');
         m_output.Add(head + m_output.Reader().Style(look, OneLine(text)) + "\n");
-    }
-
-    std::string ValueRemark() const
-    {
-        if (m_option.isRedacted)
-            return "";
-        if (!m_option.choices.empty() && !ChoiceOf(m_option, m_option.currentValue))
-            return ", which is no choice";
-        return m_option.isChanged ? ", changed" : "";
-    }
-
-    std::string SizeText() const
-    {
-        if (m_option.size == 0)
-            return "";
-        return std::string(m_option.kind == OptionKind::Text ? ", at most " : ", ") + std::to_string(m_option.size) +
-               (m_option.size == 1 ? " byte" : " bytes");
-    }
-
-    std::string ConditionText() const
-    {
-        const auto valueOf = [&](std::string_view name)
-        {
-            const BiosOption *const other = m_table.Find(name);
-            return other && !other->isRedacted ? DumpNumber(other->currentValue) : std::nullopt;
-        };
-        if (m_option.condition == "TRUE")
-            return "";
-        const std::optional<bool> isMet = IsConditionMet(m_option.condition, valueOf);
-        const char *const barred = m_option.condition.starts_with("Hide") ? ": hidden now" : ": grayed out now";
-        return std::string(m_option.condition) + (!isMet ? "" : *isMet ? ": can be changed now" : barred);
     }
 
     void AddChoices()
@@ -255,61 +190,6 @@ void AddFound(const std::vector<const BiosOption *> &options, const std::vector<
                                   Snippet(place, length, output.Reader()) + "\n");
     }
 }
-
-struct PageCount
-{
-    std::size_t options = 0;
-    std::size_t changed = 0;
-};
-
-/// By path, in the order of their first options, each page and what stands above it.
-class PageTree
-{
-public:
-    explicit PageTree(const OptionTable &table)
-    {
-        for (const BiosOption &option : table.Options())
-        {
-            for (std::size_t slash = option.page.find('/'); slash != std::string_view::npos;
-                 slash = option.page.find('/', slash + 1))
-                Count(option.page.substr(0, slash), option);
-            Count(option.page, option);
-        }
-        // A page stands behind the one above it, whatever came between.
-        std::stable_sort(m_paths.begin(), m_paths.end(),
-                         [&](std::string_view left, std::string_view right) { return Order(left) < Order(right); });
-    }
-
-    const std::vector<std::string_view> &Paths() const { return m_paths; }
-    const PageCount &CountOf(std::string_view path) const { return m_counts.at(path); }
-
-private:
-    void Count(std::string_view path, const BiosOption &option)
-    {
-        const auto [count, isNew] = m_counts.try_emplace(path);
-        if (isNew)
-        {
-            m_ranks[path] = m_paths.size();
-            m_paths.push_back(path);
-        }
-        ++count->second.options;
-        count->second.changed += option.isChanged ? 1 : 0;
-    }
-
-    /// The ranks of the pages from the top down to `path`.
-    std::vector<std::size_t> Order(std::string_view path) const
-    {
-        std::vector<std::size_t> order;
-        for (std::size_t slash = path.find('/'); slash != std::string_view::npos; slash = path.find('/', slash + 1))
-            order.push_back(m_ranks.at(path.substr(0, slash)));
-        order.push_back(m_ranks.at(path));
-        return order;
-    }
-
-    std::vector<std::string_view> m_paths;
-    std::map<std::string_view, PageCount> m_counts;
-    std::map<std::string_view, std::size_t> m_ranks;
-};
 
 void AddPagesAsText(const PageTree &tree, Output &output)
 {
@@ -444,7 +324,7 @@ ExitCode ListOptions(const Work &work)
     if (work.output.IsJson())
         AddOptionsAsJson(selected, work.output);
     else if (work.arguments.isCsv)
-        ListAsCsv(selected, work.output);
+        work.output.Add(OptionsAsCsv(selected));
     else if (!selected.empty())
         ListAsTable(selected, work.output);
     return code;
@@ -523,8 +403,8 @@ ExitCode DiffOptions(const Work &work)
         RedactIfWished(work, options.table);
         return AddChanges(work, changes, CodeOf(options));
     }
-    LoadedOptions before = ReadDumpFile(arguments.words.front(), work.output);
-    LoadedOptions after = arguments.words.size() > 1 ? ReadDumpFile(arguments.words.back(), work.output)
+    LoadedOptions before = ReadOptionsFile(arguments.words.front(), work.output);
+    LoadedOptions after = arguments.words.size() > 1 ? ReadOptionsFile(arguments.words.back(), work.output)
                                                      : ReadOptions(arguments, work.steps, work.output);
     const std::vector<OptionChange> changes = Diff(before.table, after.table);
     RedactIfWished(work, before.table);

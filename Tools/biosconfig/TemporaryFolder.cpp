@@ -61,6 +61,8 @@ TemporaryFolder::TemporaryFolder() : m_path(MakeFolder()), m_prefix(Platform::As
 
 TemporaryFolder::~TemporaryFolder()
 {
+    if (m_isKept)
+        return;
     std::error_code ignored;
     fs::remove_all(Platform::ToFilesystemPath(m_path), ignored);
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Comparison.h"
+
+#include <cstddef>
+#include <vector>
+
+/// A value that an option has in some columns, and not in the first one.
+struct OtherValue
+{
+    /// One that has it; null: these columns lack the option.
+    const BiosOption *option = nullptr;
+    /// In ascending order.
+    std::vector<std::size_t> columns;
+};
+
+/// The other values of a row, in the order of their first columns.
+std::vector<OtherValue> OtherValuesOf(const ViewRow &row);
+
+/// Whether the option's value is empty, or none of its choices.
+bool IsOdd(const BiosOption &option);
