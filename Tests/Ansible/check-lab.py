@@ -24,7 +24,7 @@ def say(what, run):
 # Three machines of 50 that are not as they should be, and what their report names.
 AILING = {
     "m07": ({"baseline_environment": {"FENRIKCMD_FAULT": "progknobsfromfile=exit:1"}},
-            "Program: ", ["BootFast: rejected", "the external tool", "way out"]),
+            "Program: ", ["BootFast, BootPromptSeconds, AssetTag: rejected", "the external tool", "way out"]),
     "m13": ({"baseline_options": {**BASELINE, "BootFst": "Enabled"}},
             "Check, and make the plan: ", ["BootFst: there is no option", "did you mean \"BootFast\"", "way out"]),
     "m29": ({"machine_is_stuck": True},
@@ -80,7 +80,7 @@ def check_second_run(lab):
 
 def check_killed_run(lab):
     """A run that is ended at three points can be started again."""
-    names = sorted(lab.machines)[:10]
+    names = sorted(lab.machines)[:6]
     points = {
         "planning": lambda: len(list((lab.results / "plan").iterdir())) >= 3,
         "programming": lambda: any(lab.machines[name].state()["pending"] for name in names),
@@ -92,7 +92,7 @@ def check_killed_run(lab):
         for folder in ("plan", "outcome"):
             for path in (lab.results / folder).iterdir():
                 path.unlink()
-        subset = {"baseline_hosts": ",".join(names), "baseline_batches": 10}
+        subset = {"baseline_hosts": ",".join(names), "baseline_batches": 6}
         check(lab.run_and_kill("biosconfig.lab.baseline", is_reached, **subset), f"{point}: the run was over")
         for name in names:
             state = lab.machines[name].state()
@@ -105,13 +105,61 @@ def check_killed_run(lab):
         check(not any(lab.machines[name].state()["pending"] for name in names), f"{point}: pending")
 
 
+def check_batches(lab):
+    """Behind the first batch with more failures than the limit no further one is begun; a second start goes on."""
+    names = sorted(lab.machines)[:6]
+    subset = {"baseline_hosts": ",".join(names), "baseline_batches": 2, "baseline_max_failures": 40}
+    for name in names:
+        lab.machines[name].prepare()
+    lab.variables = {names[2]: {"baseline_environment": {"FENRIKCMD_FAULT": "fenrikstatus=exit:3"}}}
+    run = lab.run("biosconfig.lab.baseline", **subset)
+    outcomes = [row["outcome"] for row in json.loads((lab.results / "report.json").read_text())]
+    check(run.code != 0 and outcomes == ["done", "done", "failed", "done", "not begun", "not begun"],
+          f"batches: {outcomes}\n{run.output[-3000:]}")
+    check(not lab.machines[names[4]].state()["values"], "a machine of a batch that was not begun is changed")
+    run = lab.run("biosconfig.lab.baseline", **{**subset, "baseline_max_failures": 50})
+    outcomes = [row["outcome"] for row in json.loads((lab.results / "report.json").read_text())]
+    check(outcomes == ["done", "done", "failed", "done", "done", "done"], f"limit: {outcomes}\n{run.output[-3000:]}")
+    lab.variables.clear()
+
+
+def check_restart_left_out(lab):
+    """Without a restart the values wait, and a later run restarts and proves."""
+    subset = {"baseline_hosts": "m01", "baseline_batches": 1}
+    lab.machines["m01"].prepare()
+    lab.run("biosconfig.lab.baseline", **subset, baseline_restart=False)
+    pending = lab.machines["m01"].state()["pending"]
+    check(len(pending) == len(CHANGED) and lab.kept("outcome", "m01")["outcome"] == "restart pending",
+          f"without a restart: {pending}")
+    run = lab.run("biosconfig.lab.baseline", **subset)
+    check(lab.kept("outcome", "m01")["outcome"] == "done" and not lab.machines["m01"].state()["pending"],
+          f"the restart that was left out: {run.output[-3000:]}")
+
+
+def check_page(lab):
+    """One page of all; who differs from the baseline, and in what."""
+    template = lab.work / "lab.txt"
+    template.write_text("\n;".join(f"{name}={value}" for name, value in BASELINE.items()))
+    lab.variables = {"m50": {"baseline_environment": {"FENRIKCMD_FAULT": "savexml=halfdump"}}}
+    lab.machines["m02"].prepare()
+    run = lab.run("biosconfig.lab.compare", "-v", compare_program=lab.program, compare_baseline=str(template))
+    say("page of all", run)
+    check("49 machines, 1 of them not as the baseline" in run.output and run.failed == {"localhost"} and
+          "m50: " in run.output, f"page: {run.output[-3000:]}")
+    check('"differing": {"m02": ["BootFast", "BootPromptSeconds"]}' in run.output, "who differs")
+    page = (lab.work / "compare-results/page.html").read_text()
+    check("baseline" in page and "m49" in page and "Prüfstand" not in page, "the page")
+    check((lab.work / "compare-results/gathered/m01.json").stat().st_mode & 0o777 == 0o600, "mode of a kept file")
+
+
 def main():
     binaries, work = (pathlib.Path(path).resolve() for path in sys.argv[1:3])
     lab = Lab(work, binaries, [f"m{number:02}" for number in range(1, 51)])
     for machine in lab.machines.values():
         machine.prepare()
     lab.variables = {name: variables for name, (variables, _, _) in AILING.items()}
-    for part in (check_plan, check_first_run, check_second_run, check_killed_run):
+    for part in (check_plan, check_first_run, check_second_run, check_page, check_killed_run, check_batches,
+                 check_restart_left_out):
         part(lab)
     return min(failures, 1)
 
