@@ -26,6 +26,7 @@ WAYS_OUT_OF_FINDINGS = {
     "text-behind-value": "put each assignment on a line of its own",
     "no-assignment": "write NAME=VALUE",
     "no-name": "write NAME=VALUE",
+    "damaged-dump": "run again; if it stays so, run \"biosconfig doctor\" on the machine",
 }
 
 # By exit code: what happened, where biosconfig itself has no words for it, and how to get out of it.
@@ -43,6 +44,9 @@ EXIT_CODES = {
          "restart the machine and run again; other options may depend on this one"),
     64: ("wrong command line", "use collection and biosconfig of one version"),
 }
+
+# Warnings that are causes where something has failed.
+CAUSES = ("damaged-dump",)
 
 WAYS_OUT_OF_VERDICTS = {
     "rejected": "see what the external tool says: run \"biosconfig update --verbose\" on the machine",
@@ -93,7 +97,7 @@ def failures_of(exit_code, document, has_lines=True):
         if verdict in WAYS_OUT_OF_VERDICTS:
             found.append(failure(verdict, WAYS_OUT_OF_VERDICTS[verdict], change["name"]))
     for error in document.get("errors", []):
-        if error["severity"] != "error":
+        if error["severity"] != "error" and error["code"] not in CAUSES:
             continue
         place = "line %d: " % error["line"] if has_lines and "line" in error else ""
         found.append(failure(place + error["message"], WAYS_OUT_OF_FINDINGS.get(error["code"], way_out),

@@ -40,7 +40,6 @@ options:
   all_options:
     description: With I(state=default), all options.
     type: bool
-    default: false
   state:
     description:
       - C(present) programs the values that are given.
@@ -152,7 +151,7 @@ ARGUMENTS = dict(
     secrets=dict(type="dict", no_log=True),
     template=dict(type="path"),
     remote_src=dict(type="bool", default=False),
-    all_options=dict(type="bool", default=False),
+    all_options=dict(type="bool"),
     state=dict(type="str", choices=["present", "default"], default="present"),
     redact=dict(type="bool", default=True),
     tool_dir=dict(type="path"),
@@ -319,8 +318,10 @@ def summarize(undertaking, code, document):
 
 def check_arguments(module):
     """Ends where arguments contradict each other in a way that no table says."""
-    if module.params["all_options"] and module.params["state"] != "default":
+    if module.params["all_options"] is not None and module.params["state"] != "default":
         module.fail_json(msg="all_options goes with state=default only")
+    if module.params["all_options"] is False:
+        module.fail_json(msg="all_options=false names no option")
     if module.params["remote_src"] and not module.params["template"]:
         module.fail_json(msg="remote_src goes with template only")
     both = set(module.params["options"] or {}) & set(module.params["secrets"] or {})
