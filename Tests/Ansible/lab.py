@@ -1,5 +1,4 @@
 """A lab of simulated machines: a directory and a firmware each, all on this system."""
-import filecmp
 import hashlib
 import json
 import os
@@ -94,7 +93,9 @@ class Lab:
     def environment(self):
         # A scratch folder of its own: modules of simulated machines have no other place to leave anything.
         return {"PATH": os.environ["PATH"], "HOME": str(self.work / "home"), "LC_ALL": "C.UTF-8", "PWD": str(self.work),
-                "ANSIBLE_COLLECTIONS_PATH": str(self.collections), "ANSIBLE_PIPELINING": "1",
+                "ANSIBLE_COLLECTIONS_PATH": str(self.collections), "ANSIBLE_HOME": str(self.work / "home/ansible"),
+                "ANSIBLE_REMOTE_TMP": str(self.work / "home/remote"), "ANSIBLE_LOCAL_TEMP": str(self.work / "home/local"),
+                "ANSIBLE_PIPELINING": "1",
                 "ANSIBLE_LOCALHOST_WARNING": "0", "ANSIBLE_NOCOLOR": "1", "ANSIBLE_RETRY_FILES_ENABLED": "0"}
 
     def run(self, playbook, *arguments, **variables):
