@@ -68,6 +68,7 @@ if [[ ${1-} == --measure ]]; then
     exit
 fi
 binaries=$(realpath "$1")
+[[ $("$binaries/biosconfig" --version) == "biosconfig $(sed -n 's/^version: //p' "$source_directory/Ansible/galaxy.yml")" ]]
 copy_collection
 check_with_ansible
 check_documentation
