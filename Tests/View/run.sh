@@ -30,7 +30,6 @@ cd "$pages"
 
 if [[ ${2-} == --measure ]]; then
     for count in 5000 50000; do "$bin/MakeDump" "$count" >"$count.xml"; done
-    for number in {1..200}; do cp after.xml "bench$number.xml"; done
     BIN=$bin PAGES=$pages exec node "$work/measure.mjs"
 fi
 

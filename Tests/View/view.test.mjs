@@ -44,10 +44,10 @@ function onPage(title, name, run, hash, settings) {
 }
 
 const names = (page) =>
-  page.$$eval("main tbody > tr", (rows) => rows.filter((row) => row.checkVisibility()).map((row) => row.querySelector(".name").textContent));
+  page.$$eval("main tbody > tr", (rows) => rows.filter((row) => row.checkVisibility()).map((row) => row.querySelector("th > a, th > b").textContent));
 const count = (page) => page.$eval("#view\\:count", (output) => output.textContent);
 const hash = (page) => page.evaluate(() => location.hash);
-const marked = (page) => page.evaluate(() => [...CSS.highlights.get("found")].map((range) => range.toString()));
+const marked = (page) => page.evaluate(() => [...CSS.highlights.get("found")].map((range) => range.startContainer.data.slice(range.startOffset, range.endOffset)));
 const click = (page, selector) => page.$eval(selector, (element) => element.click());
 const type = (page, text) => page.type("#view\\:search", text);
 const settled = () => pause(350); // longer than the address waits for a pause
@@ -58,6 +58,7 @@ onPage("finds what is typed, in every text, and marks it", "single", async (page
   await page.keyboard.type("fast START");
   assert.deepEqual(await names(page), ["MemFastStart", "BootFast"]);
   assert.equal(await count(page), "2 of 277 options");
+  await page.waitForFunction(() => CSS.highlights.get("found").size > 1);
   const found = await marked(page);
   assert.ok(found.includes("Fast") && found.includes("Start") && found.every((text) => /^(fast|start)$/i.test(text)), String(found));
   await settled();
@@ -130,7 +131,7 @@ onPage("has a link for each option, and goes back", "single", async (page) => {
   await type(page, "boot");
   await settled();
   const searched = await names(page);
-  await click(page, "#BootFast .name a");
+  await click(page, "#BootFast th > a");
   assert.equal(await hash(page), "#BootFast");
   assert.deepEqual(await names(page), searched);
   assert.ok(await page.$eval("#BootFast details", (details) => details.open));
@@ -299,7 +300,6 @@ for (const name of ["naughty", "naughty-compared"])
     for (const option of list)
       for (const part of [option.name, option.prompt, option.help, option.page, option.value.text, ...(option.choices ?? []).map((one) => one.text)])
         assert.ok(text.includes(part ?? ""), part);
-    assert.deepEqual(await page.evaluate(() => JSON.parse(document.getElementById("view:data").textContent).options.slice(0, 1).map((o) => o.name)).then((found) => found.length), 1);
     await page.$$eval("a[href^='#']", (links) => links.slice(0, 40).forEach((link) => link.click()));
     await click(page, "#view\\:reset");
     await type(page, "İST");

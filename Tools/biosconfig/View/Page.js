@@ -9,6 +9,13 @@
   const inputs = tools.elements;
   const rows = [...document.querySelectorAll("main tbody > tr")];
   const sections = [...document.querySelectorAll("main > section")];
+  /** A setup page with many options has several tables, each a part that is laid out when it comes into view. */
+  const parts = [...document.querySelectorAll(".part")];
+  const rowsOf = (part) => [...part.firstElementChild.tBodies[0].rows];
+  const partOfRow = parts.flatMap((part, place) => rowsOf(part).map(() => place));
+
+  /** A text that stands in an option's row alone: "span" is its prompt, "p" its help. */
+  const textOf = (index, element) => rows[index].cells[0].querySelector(`:scope > ${element}:not(.condition)`)?.textContent ?? "";
 
   // State: what is to be shown, and how it stands in the address.
 
@@ -71,7 +78,8 @@
       const o = options[index];
       const others = (o.others ?? []).map((other) => other[0] ?? "");
       haystacks[index] = folded(
-        [o.name, o.prompt, o.help, data.pages[o.page], o.value, ...others, ...(o.choices ?? []), o.condition].filter(Boolean).join("\n"));
+        [o.name, textOf(index, "span"), textOf(index, "p"), data.pages[o.page], o.value, ...others, ...(data.choiceLists[o.choices] ?? [])]
+          .join("\n"));
     }
     return haystacks[index];
   }
@@ -98,12 +106,14 @@
     const pageShown = isShownPage();
     const counts = data.pages.map(() => 0);
     const countsOfAll = data.pages.map(() => 0);
+    const countsOfParts = parts.map(() => 0);
     let count = 0;
     fits.forEach((fit, index) => {
       const page = options[index].page;
       countsOfAll[page] += fit ? 1 : 0;
       const isShown = fit && pageShown[page];
       counts[page] += isShown ? 1 : 0;
+      countsOfParts[partOfRow[index]] += isShown ? 1 : 0;
       count += isShown ? 1 : 0;
       if (shown[index] !== isShown) rows[index].hidden = !isShown;
       shown[index] = isShown;
@@ -112,59 +122,52 @@
       section.hidden = counts[place] === 0;
       section.querySelector("h2 .count").textContent = counts[place];
     });
-    hideEmptyTables();
+    parts.forEach((part, place) => (part.hidden = countsOfParts[place] === 0));
     countInTree(countsOfAll);
     byId("count").textContent = `${count} of ${options.length} options`;
     byId("nothing").hidden = count > 0;
   }
 
-  /** A setup page with many options has several tables. */
-  function hideEmptyTables() {
-    for (const section of sections) {
-      if (section.hidden) continue;
-      const tables = section.querySelectorAll("table");
-      if (tables.length > 1)
-        for (const table of tables) table.hidden = !table.querySelector("tbody > tr:not([hidden])");
-    }
-  }
-
-  // Marking what was found. Ranges leave the table as it is.
+  // Marking what was found, in the parts in view. Ranges leave the table as it is, and static ones cost nothing later.
 
   const found = globalThis.Highlight && CSS.highlights ? new Highlight() : null;
   if (found) CSS.highlights.set("found", found);
-  let marking = 0;
+  const inView = new Set();
+  const marked = new Set();
 
-  function markIn(row, words) {
-    const walker = document.createTreeWalker(row, NodeFilter.SHOW_TEXT);
-    for (let node = walker.nextNode(); node; node = walker.nextNode()) {
-      const text = folded(node.data);
-      for (const word of words)
-        for (let at = text.indexOf(word); at >= 0; at = text.indexOf(word, at + word.length)) {
-          const range = document.createRange();
-          range.setStart(node, at);
-          range.setEnd(node, at + word.length);
-          found.add(range);
-        }
+  function markText(node, words) {
+    const text = folded(node.data);
+    for (const word of words)
+      for (let at = text.indexOf(word); at >= 0; at = text.indexOf(word, at + word.length))
+        found.add(new StaticRange({ startContainer: node, startOffset: at, endContainer: node, endOffset: at + word.length }));
+  }
+
+  function markInView() {
+    const words = wordsOf(state.q);
+    if (!found || words.length === 0) return;
+    for (const part of inView) {
+      if (part.hidden || marked.has(part)) continue;
+      marked.add(part);
+      for (const row of rowsOf(part)) {
+        if (row.hidden) continue;
+        const walker = document.createTreeWalker(row, NodeFilter.SHOW_TEXT);
+        while (walker.nextNode()) markText(walker.currentNode, words);
+      }
     }
   }
 
-  /** The first rows at once, the others when there is time. */
   function mark() {
-    if (!found) return;
-    found.clear();
-    const words = wordsOf(state.q);
-    const round = ++marking;
-    if (words.length === 0) return;
-    const visible = rows.filter((_, index) => shown[index]);
-    let next = 0;
-    const some = () => {
-      if (round !== marking) return;
-      const end = Math.min(next + 100, visible.length);
-      for (; next < end; ++next) markIn(visible[next], words);
-      if (next < visible.length) setTimeout(some);
-    };
-    some();
+    found?.clear();
+    marked.clear();
+    markInView();
   }
+
+  const watcher = new IntersectionObserver(
+    (entries) => {
+      for (const { target, isIntersecting } of entries) isIntersecting ? inView.add(target) : inView.delete(target);
+      markInView();
+    },
+    { rootMargin: "200px" });
 
   // The tree.
 
@@ -391,7 +394,7 @@
     setTimeout(() => URL.revokeObjectURL(link.href), 10000);
   }
 
-  const shownOptions = () => options.filter((_, index) => shown[index]);
+  const placesOfShown = () => options.map((_, index) => index).filter((index) => shown[index]);
   const cell = (text) => (/[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text);
 
   /** The texts of an option's values by column. */
@@ -403,15 +406,17 @@
 
   function csv() {
     const heads = isComparison ? ["Name", ...data.columns, "Prompt", "Page"] : ["Name", "Value", "Prompt", "Page", "Default", "Changed"];
-    const lines = shownOptions().map((o) => isComparison
-      ? [o.name, ...valuesOf(o), o.prompt ?? "", data.pages[o.page]]
-      : [o.name, o.value ?? "", o.prompt ?? "", data.pages[o.page], o.default ?? "", o.changed ? "yes" : "no"]);
+    const lines = placesOfShown().map((index) => {
+      const o = options[index];
+      const place = [textOf(index, "span"), data.pages[o.page]];
+      return isComparison ? [o.name, ...valuesOf(o), ...place] : [o.name, o.value ?? "", ...place, o.default ?? "", o.changed ? "yes" : "no"];
+    });
     return [heads, ...lines].map((line) => line.map(cell).join(",") + "\n").join("");
   }
 
   /** The ";" stands at the start of a line: behind a value it would make the line break a part of the next name. */
   function template() {
-    const lines = shownOptions().map(lineOf);
+    const lines = placesOfShown().map((index) => lineOf(options[index]));
     const written = lines.filter((line) => line !== null);
     if (written.length < lines.length) say(`${lines.length - written.length} options are left out: their values cannot be written`);
     return written.map((line) => line + "\n").join(";");
@@ -456,6 +461,7 @@
   if (!CSS.supports("selector(::details-content)"))
     addEventListener("beforeprint", () => document.querySelectorAll("main details").forEach((details) => (details.open = true)));
   if (matchMedia("(max-width: 60rem)").matches) byId("pages").open = false;
+  for (const part of parts) watcher.observe(part);
   measureBar();
   readAddress();
   if (!rowOf(location.hash.slice(1))) inputs.q.focus({ preventScroll: true });

@@ -56,24 +56,48 @@ void AddLine(json &object, const ViewRow &row)
         object["line"] = *line;
 }
 
-json OptionData(const ViewRow &row, std::size_t page)
+/// Most lists of choices are those of many options.
+class ChoiceLists
+{
+public:
+    std::size_t PlaceOf(const BiosOption &option)
+    {
+        json texts = json::array();
+        for (const OptionChoice &choice : option.choices)
+            texts.push_back(choice.text);
+        const auto [found, isNew] = m_places.try_emplace(Dumped(texts), m_lists.size());
+        if (isNew)
+            m_lists.push_back(&found->first);
+        return found->second;
+    }
+
+    std::string Text() const
+    {
+        std::string text = "[";
+        for (const std::string *const list : m_lists)
+            text.append(text.size() > 1 ? ",\n" : "").append(*list);
+        return text + "]";
+    }
+
+private:
+    std::map<std::string, std::size_t> m_places;
+    std::vector<const std::string *> m_lists;
+};
+
+json OptionData(const ViewRow &row, std::size_t page, ChoiceLists &choiceLists)
 {
     const BiosOption &option = *row.option;
     json object = {{"name", option.name}};
-    AddText(object, "prompt", option.prompt);
-    AddText(object, "help", option.help);
     object["page"] = page;
     object["kind"] = static_cast<std::size_t>(option.kind);
-    if (option.condition != "TRUE")
-        AddText(object, "condition", option.condition);
     AddValues(object, row);
     AddText(object, "default", ValueText(option, option.defaultValue));
     AddFlag(object, "changed", option.isChanged);
     AddFlag(object, "differs", row.differs);
     AddFlag(object, "odd", IsOdd(option));
     AddFlag(object, "redacted", option.isRedacted);
-    for (const OptionChoice &choice : option.choices)
-        object["choices"].push_back(choice.text);
+    if (!option.choices.empty())
+        object["choices"] = choiceLists.PlaceOf(option);
     AddLine(object, row);
     return object;
 }
@@ -98,14 +122,15 @@ std::string MakeViewData(const ViewContent &content)
     data.back() = ','; // in the place of its end
     data += "\"options\":[";
     bool isFirst = true;
+    ChoiceLists choiceLists;
     for (std::size_t page = 0; page < content.sections.size(); ++page)
     {
         for (const ViewRow *const row : content.sections[page].rows)
         {
             data += isFirst ? "\n" : ",\n";
-            data += Dumped(OptionData(*row, page));
+            data += Dumped(OptionData(*row, page, choiceLists));
             isFirst = false;
         }
     }
-    return data + "]}";
+    return data + "],\n\"choiceLists\":" + choiceLists.Text() + "}";
 }

@@ -14,8 +14,8 @@
 namespace
 {
 
-/// A browser lays out a table that is out of view when it comes into view; so a long setup page has several.
-constexpr std::size_t kRowsOfATable = 50;
+/// A browser lays out a part that is out of view when it comes into view; so a long setup page has several.
+constexpr std::size_t kRowsOfAPart = 50;
 /// So many machines are named at once, more on demand.
 constexpr std::size_t kMachinesAtOnce = 3;
 
@@ -81,7 +81,8 @@ private:
             AppendText(" of " + m_content.columns.front().title);
         if (m_isComparison)
             AppendText(m_content.columns.size() == 2 ? " and " + m_content.columns.back().title
-                                                     : ", compared with " + std::to_string(m_content.columns.size() - 1));
+                                                     : ", compared with " +
+                                                           std::to_string(m_content.columns.size() - 1) + " others");
     }
 
     void AppendMode() { m_page += m_isComparison ? "compare" : "single"; }
@@ -199,8 +200,8 @@ private:
             Append("\n<section aria-labelledby=\"" + id + "\"><h2 id=\"" + id + "\">");
             AppendElement("", TitleOf(section.path), " <span class=\"count\">");
             Append(std::to_string(section.rows.size()) + "</span></h2>");
-            for (std::size_t first = 0; first < section.rows.size(); first += kRowsOfATable)
-                AppendTable(section, first, std::min(section.rows.size(), first + kRowsOfATable));
+            for (std::size_t first = 0; first < section.rows.size(); first += kRowsOfAPart)
+                AppendTable(section, first, std::min(section.rows.size(), first + kRowsOfAPart));
             Append("</section>");
         }
     }
@@ -208,7 +209,7 @@ private:
     void AppendTable(const ViewSection &section, std::size_t first, std::size_t end)
     {
         const std::size_t columns = !m_isComparison ? 2 : m_isSideBySide ? m_content.columns.size() + 1 : 3;
-        Append("<table><thead><tr class=\"page\"><th colspan=\"" + std::to_string(columns) + "\">");
+        Append("<div class=\"part\"><table><thead><tr class=\"page\"><th colspan=\"" + std::to_string(columns) + "\">");
         AppendElement("", TitleOf(section.path), "</th></tr><tr><th scope=\"col\">Option</th>");
         if (!m_isComparison)
             Append("<th scope=\"col\">Value</th>");
@@ -223,7 +224,7 @@ private:
         Append("</tr></thead><tbody>");
         for (std::size_t place = first; place < end; ++place)
             AppendRow(*section.rows[place]);
-        Append("</tbody></table>");
+        Append("</tbody></table></div>");
     }
 
     void AppendRow(const ViewRow &row)
@@ -237,15 +238,15 @@ private:
             AppendAnchor(m_page, option.name);
             Append("\"");
         }
-        Append("><th scope=\"row\"><b class=\"name\">");
+        Append("><th scope=\"row\">");
         if (hasAnchor)
         {
             Append("<a href=\"#");
             AppendAnchor(m_page, option.name);
-            Append("\">");
+            AppendElement("\">", option.name, "</a>");
         }
-        AppendText(option.name);
-        Append(hasAnchor ? "</a></b>" : "</b>");
+        else
+            AppendElement("<b>", option.name, "</b>");
         if (!option.prompt.empty())
             AppendElement(" <span>", option.prompt, "</span>");
         if (!option.help.empty())
@@ -359,12 +360,13 @@ private:
     void AppendMachineNames(const std::vector<std::size_t> &columns)
     {
         const bool areMany = columns.size() > kMachinesAtOnce;
-        Append(areMany ? "<details><summary>" + std::to_string(columns.size()) + " machines</summary>" : " ");
+        Append(areMany ? "<details><summary>" + std::to_string(columns.size()) + " machines</summary>"
+                       : "<p class=\"where\">");
         std::string names;
         for (const std::size_t column : columns)
             names.append(names.empty() ? "" : ", ").append(m_content.columns[column].title);
         AppendText(names);
-        Append(areMany ? "</details>" : "");
+        Append(areMany ? "</details>" : "</p>");
     }
 
     void AppendData() { AppendScriptJson(m_page, MakeViewData(m_content)); }
