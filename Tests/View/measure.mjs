@@ -23,6 +23,7 @@ for (const [name, words] of Object.entries(pages)) {
   const made = performance.now() - start;
   const page = await browser.newPage();
   page.setDefaultTimeout(600_000);
+  await page.bringToFront();
   await page.goto(addressOf(name));
   const [firstContent, loaded] = await page.evaluate(() => [
     performance.getEntriesByName("first-contentful-paint")[0]?.startTime, performance.getEntriesByType("navigation")[0].loadEventEnd]);

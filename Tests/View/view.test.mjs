@@ -206,7 +206,7 @@ onPage("copies a line of a template, and the link", "single", async (page) => {
   });
   await click(page, "#BootFast summary");
   await page.waitForSelector("#BootFast .take button");
-  for (const button of await page.$$("#BootFast .take button")) await button.click();
+  await page.$$eval("#BootFast .take button", (buttons) => buttons.forEach((button) => button.click()));
   await page.waitForFunction(() => copied.length === 2);
   assert.deepEqual(await page.evaluate(() => copied), ["BootFast=Disabled", addressOf("single") + "#BootFast"]);
   assert.match(await page.$eval("[role=status]", (line) => line.textContent), /^Copied: /);

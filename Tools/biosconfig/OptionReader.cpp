@@ -50,8 +50,8 @@ private:
 
     static OptionKind KindOf(std::string_view word)
     {
-        const auto *const found = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                               [&](OptionKind kind) { return KindName(kind) == word; });
+        const auto *const found =
+            std::find_if(std::begin(kKinds), std::end(kKinds), [&](OptionKind kind) { return KindName(kind) == word; });
         return found == std::end(kKinds) ? OptionKind::Unknown : *found;
     }
 
@@ -114,7 +114,9 @@ LoadedOptions ReadOptionList(const std::string &file)
     }
     catch (const json::exception &failure)
     {
-        throw Failure(ExitCode::NotValid, ShownPath(file) + " is no list of BIOS options, as \"list --json\" writes "
-                                                            "it: " + failure.what());
+        throw Failure(ExitCode::NotValid, ShownPath(file) +
+                                              " is no list of BIOS options, as \"list --json\" writes "
+                                              "it: " +
+                                              failure.what());
     }
 }

@@ -77,7 +77,8 @@ public:
         for (const std::string &line : Wrap(m_option.help, m_columns - 2))
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
-        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option), LookOfValue(m_option));
+        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option),
+                 LookOfValue(m_option));
         if (HasDefault(m_option))
             AddField("Default", DetailedValue(m_option, m_option.defaultValue));
         if (m_option.pendingValue)

@@ -38,8 +38,8 @@ void AddValues(json &object, const ViewRow &row)
     else
         object["value"] = nullptr;
     for (const OtherValue &other : OtherValuesOf(row))
-        object["others"].push_back({other.option ? json(ValueText(*other.option, other.option->currentValue)) : json(),
-                                    other.columns});
+        object["others"].push_back(
+            {other.option ? json(ValueText(*other.option, other.option->currentValue)) : json(), other.columns});
 }
 
 /// How a template assigns the value, where the script could not tell.

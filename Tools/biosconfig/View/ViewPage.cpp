@@ -50,9 +50,9 @@ public:
             std::string_view name;
             void (PageMaker::*append)();
         };
-        constexpr Part kParts[] = {{"title", &PageMaker::AppendTitle},     {"summary", &PageMaker::AppendSummary},
+        constexpr Part kParts[] = {{"title", &PageMaker::AppendTitle},       {"summary", &PageMaker::AppendSummary},
                                    {"machines", &PageMaker::AppendMachines}, {"mode", &PageMaker::AppendMode},
-                                   {"tree", &PageMaker::AppendTree},       {"sections", &PageMaker::AppendSections},
+                                   {"tree", &PageMaker::AppendTree},         {"sections", &PageMaker::AppendSections},
                                    {"data", &PageMaker::AppendData}};
         for (const Part &part : kParts)
         {
@@ -80,27 +80,28 @@ private:
         if (!m_content.columns.front().title.empty())
             AppendText(" of " + m_content.columns.front().title);
         if (m_isComparison)
-            AppendText(m_content.columns.size() == 2 ? " and " + m_content.columns.back().title
-                                                     : ", compared with " +
-                                                           std::to_string(m_content.columns.size() - 1) + " others");
+            AppendText(m_content.columns.size() == 2
+                           ? " and " + m_content.columns.back().title
+                           : ", compared with " + std::to_string(m_content.columns.size() - 1) + " others");
     }
 
     void AppendMode() { m_page += m_isComparison ? "compare" : "single"; }
 
     std::size_t CountChanged() const
     {
-        return static_cast<std::size_t>(std::count_if(m_content.comparison.rows.begin(), m_content.comparison.rows.end(),
+        return static_cast<std::size_t>(std::count_if(m_content.comparison.rows.begin(),
+                                                      m_content.comparison.rows.end(),
                                                       [](const ViewRow &row) { return row.option->isChanged; }));
     }
 
     std::size_t CountDifferingPages() const
     {
-        return static_cast<std::size_t>(
-            std::count_if(m_content.sections.begin(), m_content.sections.end(),
-                          [](const ViewSection &section) {
-                              return std::any_of(section.rows.begin(), section.rows.end(),
-                                                 [](const ViewRow *row) { return row->differs; });
-                          }));
+        return static_cast<std::size_t>(std::count_if(m_content.sections.begin(), m_content.sections.end(),
+                                                      [](const ViewSection &section) {
+                                                          return std::any_of(section.rows.begin(), section.rows.end(),
+                                                                             [](const ViewRow *row)
+                                                                             { return row->differs; });
+                                                      }));
     }
 
     /// The counts in one sentence.
@@ -278,7 +279,8 @@ private:
             AppendElement("<dt>Default</dt><dd>", DetailedValue(option, option.defaultValue), "</dd>");
         AppendElement("<dt>Kind</dt><dd>", std::string(KindName(option.kind)) + SizeText(option), "</dd>");
         if (option.pendingValue)
-            AppendElement("<dt>From the next restart on</dt><dd>", DetailedValue(option, *option.pendingValue), "</dd>");
+            AppendElement("<dt>From the next restart on</dt><dd>", DetailedValue(option, *option.pendingValue),
+                          "</dd>");
         if (!option.choices.empty())
             Append("<dt>Choices</dt>");
         for (const OptionChoice &choice : option.choices)
@@ -292,10 +294,10 @@ private:
     /// A value as a chip, and what is to be said of it.
     void AppendValue(const BiosOption &option)
     {
-        const char *const look = option.isRedacted      ? " class=\"faint\""
-                                 : IsOdd(option)        ? " class=\"odd\""
-                                 : option.isChanged     ? " class=\"changed\""
-                                                        : "";
+        const char *const look = option.isRedacted  ? " class=\"faint\""
+                                 : IsOdd(option)    ? " class=\"odd\""
+                                 : option.isChanged ? " class=\"changed\""
+                                                    : "";
         Append("<b");
         Append(look);
         const std::string text = ValueText(option, option.currentValue);
