@@ -110,6 +110,8 @@ LoadedOptions ReadOptionList(const std::string &file)
         OptionListReader reader;
         for (const json &element : list.at("options"))
             reader.Add(element);
+        if (list["options"].empty())
+            throw Failure(ExitCode::NotValid, "there is no option in the list " + ShownPath(file));
         return {std::move(reader).Table(), TellsOfDamage(list)};
     }
     catch (const json::exception &failure)

@@ -197,10 +197,10 @@ void AddPagesAsText(const PageTree &tree, Output &output)
     TextTable table({{"PAGE", 20}, {"OPTIONS", 7}, {"CHANGED", 7}});
     for (const std::string_view path : tree.Paths())
     {
-        const auto depth = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/'));
+        const std::size_t depth = PageTree::DepthOf(path);
         // A terminal shows the tree, a program gets the whole path.
         const std::string title = output.Reader().IsThere()
-                                      ? std::string(2 * depth, ' ') + std::string(path.substr(path.rfind('/') + 1))
+                                      ? std::string(2 * depth, ' ') + std::string(PageTree::TitleOf(path))
                                       : std::string(path);
         const PageCount &count = tree.CountOf(path);
         table.AddRow({{title, Look::Name},

@@ -25,6 +25,8 @@ struct ViewRow
     /// option.
     std::vector<bool> differsIn;
     bool differs = false;
+    /// It is a duplicate, and says nothing of other columns.
+    bool isAlone = false;
 };
 
 /// All options of several columns, side by side.

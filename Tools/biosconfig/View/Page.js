@@ -44,6 +44,7 @@
 
   function wishOf(address) {
     const wish = noWish();
+    const takes = { q: () => true, page: () => true, kind: (kind) => data.kinds.includes(kind), on: (title) => data.columns.includes(title) };
     for (const part of address.split("&")) {
       const equals = part.indexOf("=");
       const name = equals < 0 ? part : part.slice(0, equals);
@@ -51,15 +52,18 @@
       if (FLAGS.includes(name)) wish[name] = true;
       else if (name === "differs") wish.differs = isComparison;
       else if (name === "all") wish.differs = false;
-      else if (["q", "page", "kind", "on"].includes(name)) wish[name] = value;
+      else if (Object.hasOwn(takes, name) && takes[name](value)) wish[name] = value;
     }
     return wish;
   }
 
   /** The row that an address leads to, as it stands or with other spellings of its letters. */
   function rowOf(address) {
+    if (/[=&]/.test(address)) return null; // a state
     const anchor = encodeURIComponent(decoded(address)).replace(/[!'()*]/g, (c) => "%" + c.charCodeAt(0).toString(16).toUpperCase());
-    const row = address && (document.getElementById(address) ?? document.getElementById(anchor));
+    const small = decoded(address).toLowerCase();
+    const row = address && (document.getElementById(address) ?? document.getElementById(anchor) ??
+      rows.find((one, index) => one.id && options[index].name.toLowerCase() === small));
     return row && row.matches("main tbody > tr") ? row : null;
   }
 
@@ -95,7 +99,7 @@
     return options.map((o, index) =>
       (!wish.changed || o.changed === true) && (!wish.odd || o.odd === true) && (!wish.differs || o.differs === true) &&
       (!wish.kind || o.kind === kind) &&
-      (!wish.on || (o.others ?? []).some((other) => other[1].includes(on))) &&
+      (!wish.on || (o.others ?? []).some(([, columns, differs]) => differs && columns.includes(on))) &&
       (words.length === 0 || words.every((word) => haystackOf(index).includes(word))));
   }
 
@@ -120,7 +124,7 @@
     });
     sections.forEach((section, place) => {
       section.hidden = counts[place] === 0;
-      section.querySelector("h2 .count").textContent = counts[place];
+      section.firstElementChild.querySelector(".count").textContent = counts[place];
     });
     parts.forEach((part, place) => (part.hidden = countsOfParts[place] === 0));
     countInTree(countsOfAll);
@@ -135,11 +139,34 @@
   const inView = new Set();
   const marked = new Set();
 
+  /** Opened since what was found stands in them alone. */
+  const opened = new Set();
+  const MOST_MARKS_OF_A_TEXT = 200;
+
+  /** Whether something was found in a text. */
   function markText(node, words) {
     const text = folded(node.data);
+    let marks = 0;
     for (const word of words)
-      for (let at = text.indexOf(word); at >= 0; at = text.indexOf(word, at + word.length))
+      for (let at = text.indexOf(word); at >= 0 && marks < MOST_MARKS_OF_A_TEXT; at = text.indexOf(word, at + word.length), ++marks)
         found.add(new StaticRange({ startContainer: node, startOffset: at, endContainer: node, endOffset: at + word.length }));
+    return marks > 0;
+  }
+
+  function markRow(row, words) {
+    const walker = document.createTreeWalker(row, NodeFilter.SHOW_TEXT);
+    const details = row.querySelector("details");
+    let isSeen = false;
+    let isInside = false;
+    while (walker.nextNode()) {
+      if (!markText(walker.currentNode, words)) continue;
+      if (details?.contains(walker.currentNode)) isInside = true;
+      else isSeen = true;
+    }
+    if (isInside && !isSeen && !details.open) {
+      details.open = true;
+      opened.add(details);
+    }
   }
 
   function markInView() {
@@ -148,17 +175,17 @@
     for (const part of inView) {
       if (part.hidden || marked.has(part)) continue;
       marked.add(part);
-      for (const row of rowsOf(part)) {
-        if (row.hidden) continue;
-        const walker = document.createTreeWalker(row, NodeFilter.SHOW_TEXT);
-        while (walker.nextNode()) markText(walker.currentNode, words);
-      }
+      const head = part.previousElementSibling;
+      if (head?.matches("h2")) markText(head.firstChild, words);
+      for (const row of rowsOf(part)) if (!row.hidden) markRow(row, words);
     }
   }
 
   function mark() {
     found?.clear();
     marked.clear();
+    for (const details of opened) details.open = false;
+    opened.clear();
     markInView();
   }
 
@@ -218,13 +245,19 @@
       const isSelected = page === state.page;
       const leadsToSelected = page === null || (state.page !== null && isOnPage(state.page, page));
       link.parentElement.hidden = sum === 0 && !leadsToSelected;
-      if (isSelected) focusable(link);
+      if (isSelected) focusable(inReach(link));
       link.setAttribute("aria-selected", isSelected);
     }
   }
 
   function focusable(link) {
     for (const branch of branches) branch.link.tabIndex = branch.link === link ? 0 : -1;
+  }
+
+  /** The branch itself, or the closed one that hides it. */
+  function inReach(link) {
+    const hider = link.parentElement.closest("[aria-expanded='false'] + ul");
+    return hider ? inReach(hider.previousElementSibling) : link;
   }
 
   function open(link, isOpen) {
@@ -283,9 +316,9 @@
 
   /** To another state, with an entry in the history. */
   function go(wish) {
-    writeAddress.cancel();
+    writeAddress.flush();
     state = wish;
-    history.pushState(null, "", addressOf(state));
+    if (addressOf(state) !== location.hash) history.pushState({ wish: state }, "", addressOf(state));
     fillInputs();
     apply();
     byId("options").scrollIntoView({ block: "nearest" });
@@ -294,12 +327,20 @@
   /** While somebody types, the address follows when there is a pause. */
   const writeAddress = (() => {
     let timer = 0;
-    const write = () => history.replaceState(null, "", addressOf(state));
+    const flush = () => {
+      if (timer === 0) return;
+      later.cancel();
+      history.replaceState({ wish: state }, "", addressOf(state));
+    };
     const later = () => {
       clearTimeout(timer);
-      timer = setTimeout(write, 200);
+      timer = setTimeout(flush, 200);
     };
-    later.cancel = () => clearTimeout(timer);
+    later.flush = flush;
+    later.cancel = () => {
+      clearTimeout(timer);
+      timer = 0;
+    };
     return later;
   })();
 
@@ -316,11 +357,24 @@
     writeAddress.cancel();
     const address = location.hash.slice(1);
     const row = rowOf(address);
-    if (!row) state = wishOf(address);
-    else if (row.hidden) state = { ...noWish(), differs: false };
+    if (history.state?.wish) state = { ...noWish(), ...history.state.wish };
+    else if (!row) state = wishOf(address);
+    else if (row.hidden || !fitting(state)[rows.indexOf(row)]) state = { ...noWish(), differs: false };
+    if (!row && /^[^=&:]+$/.test(address) && addressOf(state) === addressOf(noWish()))
+      say(`There is no option ${decoded(address)} here.`);
     fillInputs();
     apply();
     showTarget(row);
+  }
+
+  /** To an option, with what is shown kept for those who come back. */
+  function followLink(event) {
+    const link = event.target.closest("tbody th > a");
+    if (!link || event.ctrlKey || event.metaKey || event.shiftKey) return;
+    event.preventDefault();
+    writeAddress.flush();
+    history.pushState({ wish: state }, "", link.getAttribute("href"));
+    showTarget(link.closest("tr"));
   }
 
   function changed(event) {
@@ -394,7 +448,9 @@
     setTimeout(() => URL.revokeObjectURL(link.href), 10000);
   }
 
-  const placesOfShown = () => options.map((_, index) => index).filter((index) => shown[index]);
+  /** In the order of the dump. */
+  const placesOfShown = () =>
+    options.map((_, index) => index).filter((index) => shown[index]).sort((left, right) => data.places[left] - data.places[right]);
   const cell = (text) => (/[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text);
 
   /** The texts of an option's values by column. */
@@ -451,7 +507,11 @@
   tools.addEventListener("submit", (event) => event.preventDefault());
   tools.addEventListener("input", changed);
   byId("reset").addEventListener("click", showAll);
-  byId("reset-too").addEventListener("click", showAll);
+  byId("reset-too").addEventListener("click", () => {
+    showAll();
+    inputs.q.focus();
+  });
+  byId("options").addEventListener("click", followLink);
   byId("csv").addEventListener("click", () => download("bios-options.csv", "text/csv", csv()));
   byId("template").addEventListener("click", () => download("bios-options.txt", "text/plain", template()));
   byId("options").addEventListener("toggle", (event) => event.target.open && addButtons(event.target.closest("tr")), true);

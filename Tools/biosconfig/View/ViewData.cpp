@@ -38,8 +38,8 @@ void AddValues(json &object, const ViewRow &row)
     else
         object["value"] = nullptr;
     for (const OtherValue &other : OtherValuesOf(row))
-        object["others"].push_back(
-            {other.option ? json(ValueText(*other.option, other.option->currentValue)) : json(), other.columns});
+        object["others"].push_back({other.option ? json(ValueText(*other.option, other.option->currentValue)) : json(),
+                                    other.columns, other.differs});
 }
 
 /// How a template assigns the value, where the script could not tell.
@@ -104,11 +104,16 @@ json OptionData(const ViewRow &row, std::size_t page, ChoiceLists &choiceLists)
 
 json Heads(const ViewContent &content)
 {
-    json heads = {{"columns", json::array()}, {"pages", json::array()}, {"kinds", json::array()}};
+    json heads = {
+        {"columns", json::array()}, {"pages", json::array()}, {"kinds", json::array()}, {"places", json::array()}};
     for (const ViewColumn &column : content.columns)
         heads["columns"].push_back(column.title);
     for (const ViewSection &section : content.sections)
+    {
         heads["pages"].push_back(section.path);
+        for (const ViewRow *const row : section.rows)
+            heads["places"].push_back(row - content.comparison.rows.data());
+    }
     for (const OptionKind kind : kKinds)
         heads["kinds"].push_back(KindName(kind));
     return heads;

@@ -163,7 +163,7 @@ private:
         std::size_t depth = 0;
         for (const std::string_view path : m_content.pages.Paths())
         {
-            const auto newDepth = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/')) + 1;
+            const std::size_t newDepth = PageTree::DepthOf(path) + 1;
             // A page stands behind the one above it, so this is one level more at most.
             if (newDepth > depth)
                 Append("<ul>");
@@ -186,7 +186,7 @@ private:
         const std::size_t place = section == placeOfPath.end() ? 0 : section->second;
         Append("<li><a href=\"#view:page-" + std::to_string(place) + "\" data-page=\"");
         AppendAttributeText(m_page, path);
-        const std::string_view title = path.substr(path.rfind('/') + 1);
+        const std::string_view title = PageTree::TitleOf(path);
         AppendElement("\">", title.empty() ? TitleOf(path) : title, " <span class=\"count\">");
         Append(std::to_string(m_content.pages.CountOf(path).options));
         Append("</span></a>");
@@ -303,7 +303,10 @@ private:
         const std::string text = ValueText(option, option.currentValue);
         AppendElement(">", text.empty() ? "(empty)" : text, "</b>");
         if (option.isRedacted)
+        {
+            Append(option.isChanged ? " <small>changed</small>" : "");
             return;
+        }
         if (IsNoChoice(option))
             Append(" <small>no choice</small>");
         if (option.isChanged && HasDefault(option))
