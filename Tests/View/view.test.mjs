@@ -71,7 +71,7 @@ onPage("finds what is typed, in every text, and marks it", "single", async (page
     assert.ok((await names(page)).includes(wanted), text);
   }
   await page.$eval("#view\\:search", (input) => input.select());
-  await page.keyboard.type("then legacy"); // in closed details alone
+  await page.keyboard.type("then legacy boot/mode"); // in closed details and in the page alone
   await page.waitForFunction(() => document.querySelector("#BootMode details").open);
   const counted = await page.$$eval("section:not([hidden])", (sections) =>
     sections.map((section) => [section.querySelector("h2 .count").textContent, String(section.querySelectorAll("tbody tr:not([hidden])").length)]));
