@@ -111,8 +111,8 @@ bool IsDirectory(const std::string &path);
 /// its current directory and stays so, and a path of the form \\?\ takes no slash.
 std::string AsPrefix(const std::string &directory);
 
-/// Has the program that the user has for files of its kind show the file at `path`, and does not wait for its end; false
-/// where there is none. Windows: ShellExecuteA. POSIX: xdg-open, which is waited for.
+/// Has the program that the user has for files of its kind show the file at `path`, and does not wait for its end;
+/// false where there is none. Windows: ShellExecuteA. POSIX: xdg-open, which is waited for.
 bool OpenWithItsProgram(const std::string &path);
 
 /// Whether a plain file stands at `path`, or nothing, so that a file can take its place. Windows: nor has it the name

@@ -158,6 +158,57 @@ def check_exports():
     check(run("set", "BootNumLock=On").stdout == "BootNumLock  On (pending Off)  On  in effect\n", "what waits is taken back")
 
 
+def check_lists():
+    """What `list --json` has written is read in the place of a dump."""
+    small = ["--from", "small.xml"]
+    pathlib.Path("list.json").write_text(run("list", "--json", *small).stdout)
+    for arguments in (["list", "--json"], ["show", "StrangeLevel", "AssetTag", "PostDelay"], ["pages"], ["diff", "--defaults"], ["export"]):
+        mine = run(*arguments, "--from", "list.json").stdout.replace("list.json", "small.xml")
+        check(re.sub(r'"time":"[^"]*"', "", mine) == re.sub(r'"time":"[^"]*"', "", run(*arguments, *small).stdout), f"{arguments} of a list")
+    pathlib.Path("redacted.json").write_text(run("list", "--json", "--redact", *small).stdout)
+    check(run("diff", "redacted.json", "small.xml").stdout == "", "redacted values differ")
+    check("(redacted)" in run("get", "AssetTag", "--from", "redacted.json").stdout, "a redacted value of a list")
+    for name, text, code in (("none.json", None, 3), ("empty.json", "", 4), ("array.json", "[]", 4), ("half.json", '{"options":[{"name":"a"', 4),
+                             ("wrong.json", '{"options":[{"name":1}]}', 4), ("deep.json", "[" * 100000, 4),
+                             ("good.txt", None, 4), ("odd.json", '{"options":[{"name":"a","kind":"number","value":{"text":"-5","number":-5}}]}', 0)):
+        if text is not None:
+            pathlib.Path(name).write_text(text)
+        outcome = run("list", "--from", name)
+        check(outcome.returncode == code and outcome.stderr.count("\n") == (code != 0), f"{name}: {outcome}")
+
+
+def check_view():
+    """The page itself is tried in a browser elsewhere."""
+    small = ["--from", "small.xml"]
+    page = run("view", "--no-time", *small).stdout
+    check("10 options" in page and "<time" not in page, "counts of a page, or its time")
+    check(run("view", *small).stdout != page, "no time where it is wished for")
+    for name in ("Läb 7", "rack B"):
+        check(name in page and name not in run("view", "--redact", *small).stdout, f"{name} on a page")
+    changed = SMALL.read_text().replace("Läb 7", "Läb 8")
+    pathlib.Path("changed.xml").write_text(changed)
+    compared = run("view", "--redact", "--compare", "changed.xml", *small).stdout
+    check("1 of 10 differs on 1 page" in compared and "Läb" not in compared, "a redacted comparison")
+    os.mkdir("other")
+    shutil.copy("changed.xml", "other/small.xml")
+    twins = run("view", *small, "--compare", "other/small.xml", "--compare", "small.xml").stdout
+    check(all(f'<th scope="col">{title}</th>' in twins for title in ("small.xml", "other/small.xml", "small.xml (2)")), "titles of one name")
+    check(run("view", *small, "--compare", "nowhere.xml").returncode == 3, "a comparison with nothing")
+    os.mkdir("bin")
+    opener = pathlib.Path("bin/xdg-open")
+    opener.write_text('#!/bin/sh\nprintf %s "$1" >opened\n')
+    opener.chmod(0o755)
+    path = {**os.environ, "PATH": os.path.abspath("bin") + ":" + os.environ["PATH"]}
+    check(run("view", "--open", "-o", "page.html", *small, env=path).returncode == 0, "--open")
+    check(pathlib.Path("opened").read_text() == os.path.abspath("page.html"), "what is opened")
+    outcome = run("view", "--open", *small, env=path)
+    kept = pathlib.Path(pathlib.Path("opened").read_text())
+    check(outcome.returncode == 0 and str(kept) in outcome.stderr and "10 options" in kept.read_text(), f"a page that is kept: {outcome}")
+    shutil.rmtree(kept.parent)
+    opener.write_text("#!/bin/sh\nexit 3\n")
+    check(run("view", "--open", "-o", "page.html", *small, env=path).returncode == 1, "no program opens it")
+
+
 def command_lines():
     """Of all processes, as far as the system tells."""
     for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
@@ -222,7 +273,7 @@ with tempfile.TemporaryDirectory() as directory:
     os.mkdir(tempfile.tempdir)
     lay_out(pathlib.Path(directory))
     GOLDEN.mkdir(exist_ok=True)
-    for group in (check_terminals, check_exports, check_json, check_questions, check_streams, check_completion, check_documents):
+    for group in (check_terminals, check_exports, check_lists, check_view, check_json, check_questions, check_streams, check_completion, check_documents):
         start = time.monotonic()
         group()
         print(f"{group.__name__}: {time.monotonic() - start:.1f} s")

@@ -36,6 +36,15 @@ foreach(part style script)
   string(REPLACE "{{${part}}}" "${${part}}" page "${page}")
   string(REPLACE "{{${part}-source}}" "'sha256-${digest}'" page "${page}")
 endforeach()
+# What the program puts in (PageMaker::AppendPart).
+string(REGEX MATCHALL "{{[^}]*}}" names "${page}")
+list(REMOVE_DUPLICATES names)
+foreach(name IN LISTS names)
+  if(NOT name MATCHES "^{{(title|summary|machines|mode|tree|sections|data)}}$")
+    message(FATAL_ERROR "${PAGE}: nobody puts ${name} in")
+  endif()
+endforeach()
+
 file(WRITE "${OUTPUT}" "#include \"ViewTemplate.h\"
 
 const std::string_view kViewTemplate = R\"ViewTemplate(${page})ViewTemplate\";

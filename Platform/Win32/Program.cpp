@@ -284,8 +284,8 @@ std::string AsPrefix(const std::string &directory)
 bool OpenWithItsProgram(const std::string &path)
 {
     constexpr INT_PTR kLargestError = 32;
-    return reinterpret_cast<INT_PTR>(
-               ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) > kLargestError;
+    return reinterpret_cast<INT_PTR>(ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL)) >
+           kLargestError;
 }
 
 bool CanBePlainFile(const std::string &path)

@@ -33,9 +33,9 @@ struct OptionChange
     std::string_view NewValue() const;
 };
 
-/// Whether two options of one name, each from a table of its own, have other values: as numbers where both have them, as
-/// texts otherwise. False where one of them is redacted, since nobody knows then; so values are compared before they are
-/// taken out.
+/// Whether two options of one name, each from a table of its own, have other values: as numbers where both have them,
+/// as texts otherwise. False where one of them is redacted, since nobody knows then; so values are compared before they
+/// are taken out.
 bool AreKnownToDiffer(const BiosOption &before, const BiosOption &after);
 
 /// What has another value, was added or removed on the way from `before` to `after`, in the order of `before` and then

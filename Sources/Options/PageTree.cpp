@@ -3,6 +3,40 @@
 #include <algorithm>
 #include <utility>
 
+namespace
+{
+
+/// No setup has as many pages above one another.
+constexpr std::size_t kDeepest = 32;
+
+/// Calls `visit` with the path of each page above `path`, from the top.
+template <typename Visit>
+void ForEachAbove(std::string_view path, Visit visit)
+{
+    std::size_t slash = path.find('/');
+    for (std::size_t depth = 0; depth < kDeepest && slash != std::string_view::npos; ++depth)
+    {
+        visit(path.substr(0, slash));
+        slash = path.find('/', slash + 1);
+    }
+}
+
+} // namespace
+
+std::size_t PageTree::DepthOf(std::string_view path)
+{
+    std::size_t depth = 0;
+    ForEachAbove(path, [&](std::string_view /*above*/) { ++depth; });
+    return depth;
+}
+
+std::string_view PageTree::TitleOf(std::string_view path)
+{
+    std::size_t start = 0;
+    ForEachAbove(path, [&](std::string_view above) { start = above.size() + 1; });
+    return path.substr(start);
+}
+
 PageTree::PageTree(const OptionTable &table)
 {
     for (const BiosOption &option : table.Options())
@@ -11,9 +45,7 @@ PageTree::PageTree(const OptionTable &table)
 
 void PageTree::Add(const BiosOption &option)
 {
-    for (std::size_t slash = option.page.find('/'); slash != std::string_view::npos;
-         slash = option.page.find('/', slash + 1))
-        Count(option.page.substr(0, slash), option);
+    ForEachAbove(option.page, [&](std::string_view above) { Count(above, option); });
     Count(option.page, option);
 }
 
@@ -28,8 +60,7 @@ void PageTree::Count(std::string_view path, const BiosOption &option)
 std::vector<std::size_t> PageTree::Order(std::string_view path) const
 {
     std::vector<std::size_t> order;
-    for (std::size_t slash = path.find('/'); slash != std::string_view::npos; slash = path.find('/', slash + 1))
-        order.push_back(m_pages.at(path.substr(0, slash)).rank);
+    ForEachAbove(path, [&](std::string_view above) { order.push_back(m_pages.at(above).rank); });
     order.push_back(m_pages.at(path).rank);
     return order;
 }

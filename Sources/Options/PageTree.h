@@ -31,6 +31,13 @@ public:
     /// The counts of a page that is among the paths.
     const PageCount &CountOf(std::string_view path) const { return m_pages.at(path).count; }
 
+    /// How many pages stand above a page: one for each "/" in its path, up to a limit, so that no path makes the tree
+    /// larger than the options themselves.
+    static std::size_t DepthOf(std::string_view path);
+
+    /// The part of the path that names the page below the one above it.
+    static std::string_view TitleOf(std::string_view path);
+
 private:
     struct Page
     {

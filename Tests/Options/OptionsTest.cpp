@@ -2,6 +2,7 @@
 #include "OptionDiff.h"
 #include "OptionTable.h"
 #include "OptionValue.h"
+#include "PageTree.h"
 #include "Plan.h"
 #include "Redaction.h"
 #include "TestSupport.h"
@@ -269,6 +270,26 @@ TEST(Options, RedactedValuesAreGone)
     OptionTable secret = Table(R"(<knob setupType="numeric" name="x" prompt="Admin PASSWORD hash" CurrentVal="0x1"/>)");
     Redact(secret, {});
     EXPECT_EQ(secret.Options()[0].currentValue, "");
+    EXPECT_FALSE(AreKnownToDiffer(secret.Options()[0], *Table().Find("Delay")));
+    // A text in one table, a number in the other.
+    OptionTable text = Table(R"(<knob setupType="text" name="x" CurrentVal="a"/><knob name="y" CurrentVal="0x1"/>)");
+    OptionTable number = Table(R"(<knob setupType="numeric" name="x" CurrentVal="0x1"/>)");
+    OptionTable *const tables[] = {&text, &number};
+    RedactTogether(tables, {});
+    EXPECT_EQ(number.Options()[0].currentValue, "");
+    EXPECT_EQ(text.Find("y")->currentValue, "0x1");
+}
+
+TEST(Options, PagesStandBelowTheOneAboveThem)
+{
+    const PageTree tree(Table(R"(<knob name="1" SetupPgPtr="B/x"/><knob name="2" SetupPgPtr="A"/><knob name="3"/>
+        <knob name="4" SetupPgPtr="B" default="0x0" CurrentVal="0x1"/><knob name="5" SetupPgPtr="B/x/y"/>
+        <knob name="6" SetupPgPtr="/Z"/>)"));
+    std::string found;
+    for (const std::string_view path : tree.Paths())
+        found += std::string(path) + ":" + std::to_string(tree.CountOf(path).options) + "/" +
+                 std::to_string(tree.CountOf(path).changed) + " ";
+    EXPECT_EQ(found, "B:3/1 B/x:2/0 B/x/y:1/0 A:1/0 :2/0 /Z:1/0 ");
 }
 
 TEST(Options, PatternsMatch)

@@ -391,7 +391,7 @@ constexpr BadCall kBadCalls[] = {
     {"reset", kWrongUsage, "wants the names of options, or --all"},
     {"diff", kWrongUsage, "wants one or two dumps"},
     {"diff missing.xml small.xml", kNotFound, "cannot read the dump missing.xml"},
-    {"list --from tools/CapsList.json", kNotValid, "is no dump of BIOS options"},
+    {"list --from tools/CapsList.json", kNotValid, "is no list of BIOS options"},
     {"list --from small.xml --page Boots", kNotFound, "did you mean \"Boot\"?"},
     {"get --from small.xml quietboot", kNotFound, "did you mean \"QuietBoot\"?"},
     {"search --from small.xml qwertz", kNotFound, "no option has \"qwertz\""},

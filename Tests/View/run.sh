@@ -30,7 +30,6 @@ cd "$pages"
 
 if [[ ${2-} == --measure ]]; then
     for count in 5000 50000; do "$bin/MakeDump" "$count" >"$count.xml"; done
-    for number in {1..200}; do cp after.xml "bench$number.xml"; done
     BIN=$bin PAGES=$pages exec node "$work/measure.mjs"
 fi
 
@@ -43,6 +42,7 @@ cat >naughty.xml <<'DUMP'
 <knob setupType="numeric" name="q=boot&amp;changed" prompt="Looks like a state" description="" size="1" depex="TRUE" SetupPgPtr="" default="0x5" CurrentVal="0x5"/>
 <knob setupType="numeric" name="changed" prompt="Looks like a filter" description="" size="1" depex="TRUE" SetupPgPtr="" default="0x5" CurrentVal="0x5"/>
 <knob setupType="numeric" name="view:search" prompt="Looks like the search box" description="" size="1" depex="TRUE" SetupPgPtr="" default="0x5" CurrentVal="0x6"/>
+<knob setupType="numeric" name="below" prompt="Begins like another page" description="" size="1" depex="TRUE" SetupPgPtr="&lt;b&gt;X" default="0x5" CurrentVal="0x5"/>
 <knob setupType="numeric" name="twice" prompt="First" description="" size="1" depex="TRUE" SetupPgPtr="" default="0x5" CurrentVal="0x6"/>
 <knob setupType="numeric" name="twice" prompt="Second" description="" size="1" depex="TRUE" SetupPgPtr="" default="0x5" CurrentVal=""/>
 <knob setupType="oneof" name="" prompt="Nameless" description="" size="1" depex="TRUE" SetupPgPtr="" default="0x0" CurrentVal="0x7"><options><option text="A" value="0x0"/></options></knob>
@@ -52,6 +52,8 @@ DUMP
 sed -e '/name="BootQuietScreen"/,/<\/knob>/d' \
     -e 's|<biosknobs[^>]*>|&<knob setupType="numeric" name="OnlyHere" prompt="Only here" description="" size="1" depex="TRUE" SetupPgPtr="Boot/Mode" default="0x1" CurrentVal="0x1"/>|' \
     after.xml >other.xml
+# What one person sends to another.
+"$bin/biosconfig" list --redact --json -q --from after.xml -o redacted.json
 machines=()
 for name in bench{01..06}; do
     cp before.xml "$name.xml"
@@ -65,6 +67,7 @@ cp other.xml bench05.xml
 "$bin/biosconfig" view --no-time --from before.xml --compare other.xml -o compared.html
 "$bin/biosconfig" view --no-time --from before.xml --compare after.xml --compare other.xml --compare bench01.xml -o four.html
 "$bin/biosconfig" view --no-time --from before.xml "${machines[@]}" -o machines.html
+"$bin/biosconfig" view --no-time --from before.xml --compare redacted.json -o redacted.html
 "$bin/biosconfig" view --no-time --from naughty.xml -o naughty.html
 "$bin/biosconfig" view --no-time --from naughty.xml --compare "before.xml" -o naughty-compared.html
 BIN=$bin PAGES=$pages node --test "$work/view.test.mjs"

@@ -266,8 +266,9 @@ void AddOwnOptions(CLI::App &command, Command which, Arguments &parsed)
     if (which == Command::View)
     {
         command
-            .add_option("--compare", parsed.comparedPaths,
-                        "Also the options of this file, a dump or what \"list --json\" has written (may be given again)")
+            .add_option(
+                "--compare", parsed.comparedPaths,
+                "Also the options of this file, a dump or what \"list --json\" has written (may be given again)")
             ->check(kNotEmpty)
             ->type_name("FILE")
             ->allow_extra_args(false);

@@ -50,8 +50,8 @@ private:
 
     static OptionKind KindOf(std::string_view word)
     {
-        const auto *const found = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                               [&](OptionKind kind) { return KindName(kind) == word; });
+        const auto *const found =
+            std::find_if(std::begin(kKinds), std::end(kKinds), [&](OptionKind kind) { return KindName(kind) == word; });
         return found == std::end(kKinds) ? OptionKind::Unknown : *found;
     }
 
@@ -110,11 +110,15 @@ LoadedOptions ReadOptionList(const std::string &file)
         OptionListReader reader;
         for (const json &element : list.at("options"))
             reader.Add(element);
+        if (list["options"].empty())
+            throw Failure(ExitCode::NotValid, "there is no option in the list " + ShownPath(file));
         return {std::move(reader).Table(), TellsOfDamage(list)};
     }
     catch (const json::exception &failure)
     {
-        throw Failure(ExitCode::NotValid, ShownPath(file) + " is no list of BIOS options, as \"list --json\" writes "
-                                                            "it: " + failure.what());
+        throw Failure(ExitCode::NotValid, ShownPath(file) +
+                                              " is no list of BIOS options, as \"list --json\" writes "
+                                              "it: " +
+                                              failure.what());
     }
 }

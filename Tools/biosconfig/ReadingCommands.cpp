@@ -77,7 +77,8 @@ public:
         for (const std::string &line : Wrap(m_option.help, m_columns - 2))
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
-        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option), LookOfValue(m_option));
+        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option),
+                 LookOfValue(m_option));
         if (HasDefault(m_option))
             AddField("Default", DetailedValue(m_option, m_option.defaultValue));
         if (m_option.pendingValue)
@@ -196,10 +197,10 @@ void AddPagesAsText(const PageTree &tree, Output &output)
     TextTable table({{"PAGE", 20}, {"OPTIONS", 7}, {"CHANGED", 7}});
     for (const std::string_view path : tree.Paths())
     {
-        const auto depth = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/'));
+        const std::size_t depth = PageTree::DepthOf(path);
         // A terminal shows the tree, a program gets the whole path.
         const std::string title = output.Reader().IsThere()
-                                      ? std::string(2 * depth, ' ') + std::string(path.substr(path.rfind('/') + 1))
+                                      ? std::string(2 * depth, ' ') + std::string(PageTree::TitleOf(path))
                                       : std::string(path);
         const PageCount &count = tree.CountOf(path);
         table.AddRow({{title, Look::Name},

@@ -20,22 +20,14 @@ struct CommandFunction
     ExitCode (*run)(const Work &work);
 };
 
-constexpr CommandFunction kFunctions[] = {{Command::List, ListOptions},
-                                          {Command::Get, GetValues},
-                                          {Command::Show, ShowOptions},
-                                          {Command::Search, SearchOptions},
-                                          {Command::Pages, ListPages},
-                                          {Command::Diff, DiffOptions},
-                                          {Command::Export, ExportTemplate},
-                                          {Command::View, ViewOptions},
-                                          {Command::Check, CheckTemplate},
-                                          {Command::Update, UpdateFromTemplate},
-                                          {Command::Set, SetOptions},
-                                          {Command::Reset, ResetOptions},
-                                          {Command::Doctor, Doctor},
-                                          {Command::Completion, PrintCompletion},
-                                          {Command::Complete, CompleteWords},
-                                          {Command::Manual, PrintManual}};
+constexpr CommandFunction kFunctions[] = {{Command::List, ListOptions},       {Command::Get, GetValues},
+                                          {Command::Show, ShowOptions},       {Command::Search, SearchOptions},
+                                          {Command::Pages, ListPages},        {Command::Diff, DiffOptions},
+                                          {Command::Export, ExportTemplate},  {Command::View, ViewOptions},
+                                          {Command::Check, CheckTemplate},    {Command::Update, UpdateFromTemplate},
+                                          {Command::Set, SetOptions},         {Command::Reset, ResetOptions},
+                                          {Command::Doctor, Doctor},          {Command::Completion, PrintCompletion},
+                                          {Command::Complete, CompleteWords}, {Command::Manual, PrintManual}};
 
 /// Runs a command whose data go out when it is done.
 ExitCode RunCommand(const Arguments &arguments, char *const *commandLine)

@@ -70,8 +70,8 @@ Comparison Compare(const std::vector<ViewColumn> &columns)
     for (ViewRow &row : comparison.rows)
     {
         const BiosOption &option = *row.option;
-        // Duplicates stand for themselves.
-        if (&comparison.rows[rowOfName.at(option.name)] == &row)
+        row.isAlone = &comparison.rows[rowOfName.at(option.name)] != &row;
+        if (!row.isAlone)
             Judge(row, comparison);
     }
     return comparison;

@@ -21,9 +21,12 @@ struct ViewRow
     const BiosOption *option = nullptr;
     /// By column; null where the column has no option of that name. Duplicates of a name stand alone in their column.
     std::vector<const BiosOption *> inColumns;
-    /// By column, whether it is known to have another value than the first column, or only one of the two has the option.
+    /// By column, whether it is known to have another value than the first column, or only one of the two has the
+    /// option.
     std::vector<bool> differsIn;
     bool differs = false;
+    /// It is a duplicate, and says nothing of other columns.
+    bool isAlone = false;
 };
 
 /// All options of several columns, side by side.
@@ -39,7 +42,7 @@ struct Comparison
     std::vector<std::size_t> differences;
 };
 
-/// Pairs the options of the columns by name. Of several with one name in a table the first counts; further ones get rows
-/// of their own, which differ from nothing. Linear in the options of all columns. To be called before values are taken
-/// out (Redaction.h).
+/// Pairs the options of the columns by name. Of several with one name in a table the first counts; further ones get
+/// rows of their own, which differ from nothing. Linear in the options of all columns. To be called before values are
+/// taken out (Redaction.h).
 Comparison Compare(const std::vector<ViewColumn> &columns);

@@ -123,8 +123,7 @@ void AppendAttributeText(std::string &markup, std::string_view text)
 
 void AppendAnchor(std::string &markup, std::string_view text)
 {
-    constexpr std::string_view kUnreserved =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+    constexpr std::string_view kUnreserved = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     for (const char character : text)
     {

@@ -3,25 +3,37 @@
 #include "OptionText.h"
 #include "OptionValue.h"
 
+#include <map>
+#include <optional>
 #include <string>
-#include <unordered_map>
+#include <utility>
+
+namespace
+{
+
+/// The text of a value; nothing where there is no option.
+std::optional<std::string> ShownValue(const BiosOption *option)
+{
+    return option ? std::optional(ValueText(*option, option->currentValue)) : std::nullopt;
+}
+
+} // namespace
 
 std::vector<OtherValue> OtherValuesOf(const ViewRow &row)
 {
     std::vector<OtherValue> values;
-    if (!row.differs)
-        return values;
-    std::unordered_map<std::string, std::size_t> places;
+    std::map<std::pair<std::optional<std::string>, bool>, std::size_t> places;
+    const std::optional<std::string> first = ShownValue(row.inColumns.front());
     for (std::size_t column = 1; column < row.inColumns.size(); ++column)
     {
-        if (!row.differsIn[column])
-            continue;
         const BiosOption *const option = row.inColumns[column];
-        // No text begins like this: one that is missing has a place of its own.
-        const std::string key = option ? "=" + ValueText(*option, option->currentValue) : "";
-        const auto [place, isNew] = places.try_emplace(key, values.size());
+        const std::optional<std::string> text = ShownValue(option);
+        const bool differs = row.differsIn[column];
+        if ((text == first && !differs) || (row.isAlone && !option))
+            continue;
+        const auto [place, isNew] = places.try_emplace({text, differs}, values.size());
         if (isNew)
-            values.push_back({option, {}});
+            values.push_back({option, differs, {}});
         values[place->second].columns.push_back(column);
     }
     return values;

@@ -5,11 +5,13 @@
 #include <cstddef>
 #include <vector>
 
-/// A value that an option has in some columns, and not in the first one.
+/// What an option has in some columns, shown as another text than what it has in the first one.
 struct OtherValue
 {
     /// One that has it; null: these columns lack the option.
     const BiosOption *option = nullptr;
+    /// Whether it is known to be another value, too: a redacted one is not, nor a number that has another name.
+    bool differs = false;
     /// In ascending order.
     std::vector<std::size_t> columns;
 };

@@ -9,6 +9,13 @@
   const inputs = tools.elements;
   const rows = [...document.querySelectorAll("main tbody > tr")];
   const sections = [...document.querySelectorAll("main > section")];
+  /** A setup page with many options has several tables, each a part that is laid out when it comes into view. */
+  const parts = [...document.querySelectorAll(".part")];
+  const rowsOf = (part) => [...part.firstElementChild.tBodies[0].rows];
+  const partOfRow = parts.flatMap((part, place) => rowsOf(part).map(() => place));
+
+  /** A text that stands in an option's row alone: "span" is its prompt, "p" its help. */
+  const textOf = (index, element) => rows[index].cells[0].querySelector(`:scope > ${element}:not(.condition)`)?.textContent ?? "";
 
   // State: what is to be shown, and how it stands in the address.
 
@@ -37,6 +44,7 @@
 
   function wishOf(address) {
     const wish = noWish();
+    const takes = { q: () => true, page: () => true, kind: (kind) => data.kinds.includes(kind), on: (title) => data.columns.includes(title) };
     for (const part of address.split("&")) {
       const equals = part.indexOf("=");
       const name = equals < 0 ? part : part.slice(0, equals);
@@ -44,15 +52,18 @@
       if (FLAGS.includes(name)) wish[name] = true;
       else if (name === "differs") wish.differs = isComparison;
       else if (name === "all") wish.differs = false;
-      else if (["q", "page", "kind", "on"].includes(name)) wish[name] = value;
+      else if (Object.hasOwn(takes, name) && takes[name](value)) wish[name] = value;
     }
     return wish;
   }
 
   /** The row that an address leads to, as it stands or with other spellings of its letters. */
   function rowOf(address) {
+    if (/[=&]/.test(address)) return null; // a state
     const anchor = encodeURIComponent(decoded(address)).replace(/[!'()*]/g, (c) => "%" + c.charCodeAt(0).toString(16).toUpperCase());
-    const row = address && (document.getElementById(address) ?? document.getElementById(anchor));
+    const small = decoded(address).toLowerCase();
+    const row = address && (document.getElementById(address) ?? document.getElementById(anchor) ??
+      rows.find((one, index) => one.id && options[index].name.toLowerCase() === small));
     return row && row.matches("main tbody > tr") ? row : null;
   }
 
@@ -71,7 +82,8 @@
       const o = options[index];
       const others = (o.others ?? []).map((other) => other[0] ?? "");
       haystacks[index] = folded(
-        [o.name, o.prompt, o.help, data.pages[o.page], o.value, ...others, ...(o.choices ?? []), o.condition].filter(Boolean).join("\n"));
+        [o.name, textOf(index, "span"), textOf(index, "p"), data.pages[o.page], o.value, ...others, ...(data.choiceLists[o.choices] ?? [])]
+          .join("\n"));
     }
     return haystacks[index];
   }
@@ -87,7 +99,7 @@
     return options.map((o, index) =>
       (!wish.changed || o.changed === true) && (!wish.odd || o.odd === true) && (!wish.differs || o.differs === true) &&
       (!wish.kind || o.kind === kind) &&
-      (!wish.on || (o.others ?? []).some((other) => other[1].includes(on))) &&
+      (!wish.on || (o.others ?? []).some(([, columns, differs]) => differs && columns.includes(on))) &&
       (words.length === 0 || words.every((word) => haystackOf(index).includes(word))));
   }
 
@@ -98,73 +110,91 @@
     const pageShown = isShownPage();
     const counts = data.pages.map(() => 0);
     const countsOfAll = data.pages.map(() => 0);
+    const countsOfParts = parts.map(() => 0);
     let count = 0;
     fits.forEach((fit, index) => {
       const page = options[index].page;
       countsOfAll[page] += fit ? 1 : 0;
       const isShown = fit && pageShown[page];
       counts[page] += isShown ? 1 : 0;
+      countsOfParts[partOfRow[index]] += isShown ? 1 : 0;
       count += isShown ? 1 : 0;
       if (shown[index] !== isShown) rows[index].hidden = !isShown;
       shown[index] = isShown;
     });
     sections.forEach((section, place) => {
       section.hidden = counts[place] === 0;
-      section.querySelector("h2 .count").textContent = counts[place];
+      section.firstElementChild.querySelector(".count").textContent = counts[place];
     });
-    hideEmptyTables();
+    parts.forEach((part, place) => (part.hidden = countsOfParts[place] === 0));
     countInTree(countsOfAll);
     byId("count").textContent = `${count} of ${options.length} options`;
     byId("nothing").hidden = count > 0;
   }
 
-  /** A setup page with many options has several tables. */
-  function hideEmptyTables() {
-    for (const section of sections) {
-      if (section.hidden) continue;
-      const tables = section.querySelectorAll("table");
-      if (tables.length > 1)
-        for (const table of tables) table.hidden = !table.querySelector("tbody > tr:not([hidden])");
-    }
-  }
-
-  // Marking what was found. Ranges leave the table as it is.
+  // Marking what was found, in the parts in view. Ranges leave the table as it is, and static ones cost nothing later.
 
   const found = globalThis.Highlight && CSS.highlights ? new Highlight() : null;
   if (found) CSS.highlights.set("found", found);
-  let marking = 0;
+  const inView = new Set();
+  const marked = new Set();
 
-  function markIn(row, words) {
+  /** Opened since what was found stands in them alone. */
+  const opened = new Set();
+  const MOST_MARKS_OF_A_TEXT = 200;
+
+  /** Whether something was found in a text. */
+  function markText(node, words) {
+    const text = folded(node.data);
+    let marks = 0;
+    for (const word of words)
+      for (let at = text.indexOf(word); at >= 0 && marks < MOST_MARKS_OF_A_TEXT; at = text.indexOf(word, at + word.length), ++marks)
+        found.add(new StaticRange({ startContainer: node, startOffset: at, endContainer: node, endOffset: at + word.length }));
+    return marks > 0;
+  }
+
+  function markRow(row, words) {
     const walker = document.createTreeWalker(row, NodeFilter.SHOW_TEXT);
-    for (let node = walker.nextNode(); node; node = walker.nextNode()) {
-      const text = folded(node.data);
-      for (const word of words)
-        for (let at = text.indexOf(word); at >= 0; at = text.indexOf(word, at + word.length)) {
-          const range = document.createRange();
-          range.setStart(node, at);
-          range.setEnd(node, at + word.length);
-          found.add(range);
-        }
+    const details = row.querySelector("details");
+    let isSeen = false;
+    let isInside = false;
+    while (walker.nextNode()) {
+      if (!markText(walker.currentNode, words)) continue;
+      if (details?.contains(walker.currentNode)) isInside = true;
+      else isSeen = true;
+    }
+    if (isInside && !isSeen && !details.open) {
+      details.open = true;
+      opened.add(details);
     }
   }
 
-  /** The first rows at once, the others when there is time. */
-  function mark() {
-    if (!found) return;
-    found.clear();
+  function markInView() {
     const words = wordsOf(state.q);
-    const round = ++marking;
-    if (words.length === 0) return;
-    const visible = rows.filter((_, index) => shown[index]);
-    let next = 0;
-    const some = () => {
-      if (round !== marking) return;
-      const end = Math.min(next + 100, visible.length);
-      for (; next < end; ++next) markIn(visible[next], words);
-      if (next < visible.length) setTimeout(some);
-    };
-    some();
+    if (!found || words.length === 0) return;
+    for (const part of inView) {
+      if (part.hidden || marked.has(part)) continue;
+      marked.add(part);
+      const head = part.previousElementSibling;
+      if (head?.matches("h2")) markText(head.firstChild, words);
+      for (const row of rowsOf(part)) if (!row.hidden) markRow(row, words);
+    }
   }
+
+  function mark() {
+    found?.clear();
+    marked.clear();
+    for (const details of opened) details.open = false;
+    opened.clear();
+    markInView();
+  }
+
+  const watcher = new IntersectionObserver(
+    (entries) => {
+      for (const { target, isIntersecting } of entries) isIntersecting ? inView.add(target) : inView.delete(target);
+      markInView();
+    },
+    { rootMargin: "200px" });
 
   // The tree.
 
@@ -215,13 +245,19 @@
       const isSelected = page === state.page;
       const leadsToSelected = page === null || (state.page !== null && isOnPage(state.page, page));
       link.parentElement.hidden = sum === 0 && !leadsToSelected;
-      if (isSelected) focusable(link);
+      if (isSelected) focusable(inReach(link));
       link.setAttribute("aria-selected", isSelected);
     }
   }
 
   function focusable(link) {
     for (const branch of branches) branch.link.tabIndex = branch.link === link ? 0 : -1;
+  }
+
+  /** The branch itself, or the closed one that hides it. */
+  function inReach(link) {
+    const hider = link.parentElement.closest("[aria-expanded='false'] + ul");
+    return hider ? inReach(hider.previousElementSibling) : link;
   }
 
   function open(link, isOpen) {
@@ -280,9 +316,9 @@
 
   /** To another state, with an entry in the history. */
   function go(wish) {
-    writeAddress.cancel();
+    writeAddress.flush();
     state = wish;
-    history.pushState(null, "", addressOf(state));
+    if (addressOf(state) !== location.hash) history.pushState({ wish: state }, "", addressOf(state));
     fillInputs();
     apply();
     byId("options").scrollIntoView({ block: "nearest" });
@@ -291,12 +327,20 @@
   /** While somebody types, the address follows when there is a pause. */
   const writeAddress = (() => {
     let timer = 0;
-    const write = () => history.replaceState(null, "", addressOf(state));
+    const flush = () => {
+      if (timer === 0) return;
+      later.cancel();
+      history.replaceState({ wish: state }, "", addressOf(state));
+    };
     const later = () => {
       clearTimeout(timer);
-      timer = setTimeout(write, 200);
+      timer = setTimeout(flush, 200);
     };
-    later.cancel = () => clearTimeout(timer);
+    later.flush = flush;
+    later.cancel = () => {
+      clearTimeout(timer);
+      timer = 0;
+    };
     return later;
   })();
 
@@ -313,11 +357,24 @@
     writeAddress.cancel();
     const address = location.hash.slice(1);
     const row = rowOf(address);
-    if (!row) state = wishOf(address);
-    else if (row.hidden) state = { ...noWish(), differs: false };
+    if (history.state?.wish) state = { ...noWish(), ...history.state.wish };
+    else if (!row) state = wishOf(address);
+    else if (row.hidden || !fitting(state)[rows.indexOf(row)]) state = { ...noWish(), differs: false };
+    if (!row && /^[^=&:]+$/.test(address) && addressOf(state) === addressOf(noWish()))
+      say(`There is no option ${decoded(address)} here.`);
     fillInputs();
     apply();
     showTarget(row);
+  }
+
+  /** To an option, with what is shown kept for those who come back. */
+  function followLink(event) {
+    const link = event.target.closest("tbody th > a");
+    if (!link || event.ctrlKey || event.metaKey || event.shiftKey) return;
+    event.preventDefault();
+    writeAddress.flush();
+    history.pushState({ wish: state }, "", link.getAttribute("href"));
+    showTarget(link.closest("tr"));
   }
 
   function changed(event) {
@@ -391,7 +448,9 @@
     setTimeout(() => URL.revokeObjectURL(link.href), 10000);
   }
 
-  const shownOptions = () => options.filter((_, index) => shown[index]);
+  /** In the order of the dump. */
+  const placesOfShown = () =>
+    options.map((_, index) => index).filter((index) => shown[index]).sort((left, right) => data.places[left] - data.places[right]);
   const cell = (text) => (/[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text);
 
   /** The texts of an option's values by column. */
@@ -403,15 +462,17 @@
 
   function csv() {
     const heads = isComparison ? ["Name", ...data.columns, "Prompt", "Page"] : ["Name", "Value", "Prompt", "Page", "Default", "Changed"];
-    const lines = shownOptions().map((o) => isComparison
-      ? [o.name, ...valuesOf(o), o.prompt ?? "", data.pages[o.page]]
-      : [o.name, o.value ?? "", o.prompt ?? "", data.pages[o.page], o.default ?? "", o.changed ? "yes" : "no"]);
+    const lines = placesOfShown().map((index) => {
+      const o = options[index];
+      const place = [textOf(index, "span"), data.pages[o.page]];
+      return isComparison ? [o.name, ...valuesOf(o), ...place] : [o.name, o.value ?? "", ...place, o.default ?? "", o.changed ? "yes" : "no"];
+    });
     return [heads, ...lines].map((line) => line.map(cell).join(",") + "\n").join("");
   }
 
   /** The ";" stands at the start of a line: behind a value it would make the line break a part of the next name. */
   function template() {
-    const lines = shownOptions().map(lineOf);
+    const lines = placesOfShown().map((index) => lineOf(options[index]));
     const written = lines.filter((line) => line !== null);
     if (written.length < lines.length) say(`${lines.length - written.length} options are left out: their values cannot be written`);
     return written.map((line) => line + "\n").join(";");
@@ -446,7 +507,11 @@
   tools.addEventListener("submit", (event) => event.preventDefault());
   tools.addEventListener("input", changed);
   byId("reset").addEventListener("click", showAll);
-  byId("reset-too").addEventListener("click", showAll);
+  byId("reset-too").addEventListener("click", () => {
+    showAll();
+    inputs.q.focus();
+  });
+  byId("options").addEventListener("click", followLink);
   byId("csv").addEventListener("click", () => download("bios-options.csv", "text/csv", csv()));
   byId("template").addEventListener("click", () => download("bios-options.txt", "text/plain", template()));
   byId("options").addEventListener("toggle", (event) => event.target.open && addButtons(event.target.closest("tr")), true);
@@ -456,6 +521,7 @@
   if (!CSS.supports("selector(::details-content)"))
     addEventListener("beforeprint", () => document.querySelectorAll("main details").forEach((details) => (details.open = true)));
   if (matchMedia("(max-width: 60rem)").matches) byId("pages").open = false;
+  for (const part of parts) watcher.observe(part);
   measureBar();
   readAddress();
   if (!rowOf(location.hash.slice(1))) inputs.q.focus({ preventScroll: true });

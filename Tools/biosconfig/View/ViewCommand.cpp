@@ -24,7 +24,8 @@ std::string TitleOfFirst(const Arguments &arguments)
     return machine.empty() ? "this machine" : machine;
 }
 
-/// Titles that tell the columns apart: where files have one name, with their folders, or at last numbered.
+/// Titles that tell the columns apart: where files have one name, with their folders, unless these are nobody's
+/// business, or at last numbered.
 std::vector<std::string> TitlesOf(const Arguments &arguments)
 {
     std::vector<std::string> titles = {TitleOfFirst(arguments)};
@@ -40,7 +41,7 @@ std::vector<std::string> TitlesOf(const Arguments &arguments)
     std::unordered_map<std::string, std::size_t> usesSoFar;
     for (std::size_t index = 0; index < titles.size(); ++index)
     {
-        if (uses[titles[index]] > 1)
+        if (uses[titles[index]] > 1 && !arguments.isRedacted)
             titles[index] = paths[index];
         const std::size_t number = ++usesSoFar[titles[index]];
         if (number > 1)

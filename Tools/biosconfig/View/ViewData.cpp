@@ -39,7 +39,7 @@ void AddValues(json &object, const ViewRow &row)
         object["value"] = nullptr;
     for (const OtherValue &other : OtherValuesOf(row))
         object["others"].push_back({other.option ? json(ValueText(*other.option, other.option->currentValue)) : json(),
-                                    other.columns});
+                                    other.columns, other.differs});
 }
 
 /// How a template assigns the value, where the script could not tell.
@@ -56,35 +56,64 @@ void AddLine(json &object, const ViewRow &row)
         object["line"] = *line;
 }
 
-json OptionData(const ViewRow &row, std::size_t page)
+/// Most lists of choices are those of many options.
+class ChoiceLists
+{
+public:
+    std::size_t PlaceOf(const BiosOption &option)
+    {
+        json texts = json::array();
+        for (const OptionChoice &choice : option.choices)
+            texts.push_back(choice.text);
+        const auto [found, isNew] = m_places.try_emplace(Dumped(texts), m_lists.size());
+        if (isNew)
+            m_lists.push_back(&found->first);
+        return found->second;
+    }
+
+    std::string Text() const
+    {
+        std::string text = "[";
+        for (const std::string *const list : m_lists)
+            text.append(text.size() > 1 ? ",\n" : "").append(*list);
+        return text + "]";
+    }
+
+private:
+    std::map<std::string, std::size_t> m_places;
+    std::vector<const std::string *> m_lists;
+};
+
+json OptionData(const ViewRow &row, std::size_t page, ChoiceLists &choiceLists)
 {
     const BiosOption &option = *row.option;
     json object = {{"name", option.name}};
-    AddText(object, "prompt", option.prompt);
-    AddText(object, "help", option.help);
     object["page"] = page;
     object["kind"] = static_cast<std::size_t>(option.kind);
-    if (option.condition != "TRUE")
-        AddText(object, "condition", option.condition);
     AddValues(object, row);
     AddText(object, "default", ValueText(option, option.defaultValue));
     AddFlag(object, "changed", option.isChanged);
     AddFlag(object, "differs", row.differs);
     AddFlag(object, "odd", IsOdd(option));
     AddFlag(object, "redacted", option.isRedacted);
-    for (const OptionChoice &choice : option.choices)
-        object["choices"].push_back(choice.text);
+    if (!option.choices.empty())
+        object["choices"] = choiceLists.PlaceOf(option);
     AddLine(object, row);
     return object;
 }
 
 json Heads(const ViewContent &content)
 {
-    json heads = {{"columns", json::array()}, {"pages", json::array()}, {"kinds", json::array()}};
+    json heads = {
+        {"columns", json::array()}, {"pages", json::array()}, {"kinds", json::array()}, {"places", json::array()}};
     for (const ViewColumn &column : content.columns)
         heads["columns"].push_back(column.title);
     for (const ViewSection &section : content.sections)
+    {
         heads["pages"].push_back(section.path);
+        for (const ViewRow *const row : section.rows)
+            heads["places"].push_back(row - content.comparison.rows.data());
+    }
     for (const OptionKind kind : kKinds)
         heads["kinds"].push_back(KindName(kind));
     return heads;
@@ -98,14 +127,15 @@ std::string MakeViewData(const ViewContent &content)
     data.back() = ','; // in the place of its end
     data += "\"options\":[";
     bool isFirst = true;
+    ChoiceLists choiceLists;
     for (std::size_t page = 0; page < content.sections.size(); ++page)
     {
         for (const ViewRow *const row : content.sections[page].rows)
         {
             data += isFirst ? "\n" : ",\n";
-            data += Dumped(OptionData(*row, page));
+            data += Dumped(OptionData(*row, page, choiceLists));
             isFirst = false;
         }
     }
-    return data + "]}";
+    return data + "],\n\"choiceLists\":" + choiceLists.Text() + "}";
 }

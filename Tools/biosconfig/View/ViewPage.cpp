@@ -14,8 +14,8 @@
 namespace
 {
 
-/// A browser lays out a table that is out of view when it comes into view; so a long setup page has several.
-constexpr std::size_t kRowsOfATable = 50;
+/// A browser lays out a part that is out of view when it comes into view; so a long setup page has several.
+constexpr std::size_t kRowsOfAPart = 50;
 /// So many machines are named at once, more on demand.
 constexpr std::size_t kMachinesAtOnce = 3;
 
@@ -50,9 +50,9 @@ public:
             std::string_view name;
             void (PageMaker::*append)();
         };
-        constexpr Part kParts[] = {{"title", &PageMaker::AppendTitle},     {"summary", &PageMaker::AppendSummary},
+        constexpr Part kParts[] = {{"title", &PageMaker::AppendTitle},       {"summary", &PageMaker::AppendSummary},
                                    {"machines", &PageMaker::AppendMachines}, {"mode", &PageMaker::AppendMode},
-                                   {"tree", &PageMaker::AppendTree},       {"sections", &PageMaker::AppendSections},
+                                   {"tree", &PageMaker::AppendTree},         {"sections", &PageMaker::AppendSections},
                                    {"data", &PageMaker::AppendData}};
         for (const Part &part : kParts)
         {
@@ -80,26 +80,28 @@ private:
         if (!m_content.columns.front().title.empty())
             AppendText(" of " + m_content.columns.front().title);
         if (m_isComparison)
-            AppendText(m_content.columns.size() == 2 ? " and " + m_content.columns.back().title
-                                                     : ", compared with " + std::to_string(m_content.columns.size() - 1));
+            AppendText(m_content.columns.size() == 2
+                           ? " and " + m_content.columns.back().title
+                           : ", compared with " + std::to_string(m_content.columns.size() - 1) + " others");
     }
 
     void AppendMode() { m_page += m_isComparison ? "compare" : "single"; }
 
     std::size_t CountChanged() const
     {
-        return static_cast<std::size_t>(std::count_if(m_content.comparison.rows.begin(), m_content.comparison.rows.end(),
+        return static_cast<std::size_t>(std::count_if(m_content.comparison.rows.begin(),
+                                                      m_content.comparison.rows.end(),
                                                       [](const ViewRow &row) { return row.option->isChanged; }));
     }
 
     std::size_t CountDifferingPages() const
     {
-        return static_cast<std::size_t>(
-            std::count_if(m_content.sections.begin(), m_content.sections.end(),
-                          [](const ViewSection &section) {
-                              return std::any_of(section.rows.begin(), section.rows.end(),
-                                                 [](const ViewRow *row) { return row->differs; });
-                          }));
+        return static_cast<std::size_t>(std::count_if(m_content.sections.begin(), m_content.sections.end(),
+                                                      [](const ViewSection &section) {
+                                                          return std::any_of(section.rows.begin(), section.rows.end(),
+                                                                             [](const ViewRow *row)
+                                                                             { return row->differs; });
+                                                      }));
     }
 
     /// The counts in one sentence.
@@ -161,7 +163,7 @@ private:
         std::size_t depth = 0;
         for (const std::string_view path : m_content.pages.Paths())
         {
-            const auto newDepth = static_cast<std::size_t>(std::count(path.begin(), path.end(), '/')) + 1;
+            const std::size_t newDepth = PageTree::DepthOf(path) + 1;
             // A page stands behind the one above it, so this is one level more at most.
             if (newDepth > depth)
                 Append("<ul>");
@@ -184,7 +186,7 @@ private:
         const std::size_t place = section == placeOfPath.end() ? 0 : section->second;
         Append("<li><a href=\"#view:page-" + std::to_string(place) + "\" data-page=\"");
         AppendAttributeText(m_page, path);
-        const std::string_view title = path.substr(path.rfind('/') + 1);
+        const std::string_view title = PageTree::TitleOf(path);
         AppendElement("\">", title.empty() ? TitleOf(path) : title, " <span class=\"count\">");
         Append(std::to_string(m_content.pages.CountOf(path).options));
         Append("</span></a>");
@@ -199,8 +201,8 @@ private:
             Append("\n<section aria-labelledby=\"" + id + "\"><h2 id=\"" + id + "\">");
             AppendElement("", TitleOf(section.path), " <span class=\"count\">");
             Append(std::to_string(section.rows.size()) + "</span></h2>");
-            for (std::size_t first = 0; first < section.rows.size(); first += kRowsOfATable)
-                AppendTable(section, first, std::min(section.rows.size(), first + kRowsOfATable));
+            for (std::size_t first = 0; first < section.rows.size(); first += kRowsOfAPart)
+                AppendTable(section, first, std::min(section.rows.size(), first + kRowsOfAPart));
             Append("</section>");
         }
     }
@@ -208,7 +210,7 @@ private:
     void AppendTable(const ViewSection &section, std::size_t first, std::size_t end)
     {
         const std::size_t columns = !m_isComparison ? 2 : m_isSideBySide ? m_content.columns.size() + 1 : 3;
-        Append("<table><thead><tr class=\"page\"><th colspan=\"" + std::to_string(columns) + "\">");
+        Append("<div class=\"part\"><table><thead><tr class=\"page\"><th colspan=\"" + std::to_string(columns) + "\">");
         AppendElement("", TitleOf(section.path), "</th></tr><tr><th scope=\"col\">Option</th>");
         if (!m_isComparison)
             Append("<th scope=\"col\">Value</th>");
@@ -223,7 +225,7 @@ private:
         Append("</tr></thead><tbody>");
         for (std::size_t place = first; place < end; ++place)
             AppendRow(*section.rows[place]);
-        Append("</tbody></table>");
+        Append("</tbody></table></div>");
     }
 
     void AppendRow(const ViewRow &row)
@@ -237,15 +239,15 @@ private:
             AppendAnchor(m_page, option.name);
             Append("\"");
         }
-        Append("><th scope=\"row\"><b class=\"name\">");
+        Append("><th scope=\"row\">");
         if (hasAnchor)
         {
             Append("<a href=\"#");
             AppendAnchor(m_page, option.name);
-            Append("\">");
+            AppendElement("\">", option.name, "</a>");
         }
-        AppendText(option.name);
-        Append(hasAnchor ? "</a></b>" : "</b>");
+        else
+            AppendElement("<b>", option.name, "</b>");
         if (!option.prompt.empty())
             AppendElement(" <span>", option.prompt, "</span>");
         if (!option.help.empty())
@@ -277,7 +279,8 @@ private:
             AppendElement("<dt>Default</dt><dd>", DetailedValue(option, option.defaultValue), "</dd>");
         AppendElement("<dt>Kind</dt><dd>", std::string(KindName(option.kind)) + SizeText(option), "</dd>");
         if (option.pendingValue)
-            AppendElement("<dt>From the next restart on</dt><dd>", DetailedValue(option, *option.pendingValue), "</dd>");
+            AppendElement("<dt>From the next restart on</dt><dd>", DetailedValue(option, *option.pendingValue),
+                          "</dd>");
         if (!option.choices.empty())
             Append("<dt>Choices</dt>");
         for (const OptionChoice &choice : option.choices)
@@ -291,16 +294,19 @@ private:
     /// A value as a chip, and what is to be said of it.
     void AppendValue(const BiosOption &option)
     {
-        const char *const look = option.isRedacted      ? " class=\"faint\""
-                                 : IsOdd(option)        ? " class=\"odd\""
-                                 : option.isChanged     ? " class=\"changed\""
-                                                        : "";
+        const char *const look = option.isRedacted  ? " class=\"faint\""
+                                 : IsOdd(option)    ? " class=\"odd\""
+                                 : option.isChanged ? " class=\"changed\""
+                                                    : "";
         Append("<b");
         Append(look);
         const std::string text = ValueText(option, option.currentValue);
         AppendElement(">", text.empty() ? "(empty)" : text, "</b>");
         if (option.isRedacted)
+        {
+            Append(option.isChanged ? " <small>changed</small>" : "");
             return;
+        }
         if (IsNoChoice(option))
             Append(" <small>no choice</small>");
         if (option.isChanged && HasDefault(option))
@@ -359,12 +365,13 @@ private:
     void AppendMachineNames(const std::vector<std::size_t> &columns)
     {
         const bool areMany = columns.size() > kMachinesAtOnce;
-        Append(areMany ? "<details><summary>" + std::to_string(columns.size()) + " machines</summary>" : " ");
+        Append(areMany ? "<details><summary>" + std::to_string(columns.size()) + " machines</summary>"
+                       : "<p class=\"where\">");
         std::string names;
         for (const std::size_t column : columns)
             names.append(names.empty() ? "" : ", ").append(m_content.columns[column].title);
         AppendText(names);
-        Append(areMany ? "</details>" : "");
+        Append(areMany ? "</details>" : "</p>");
     }
 
     void AppendData() { AppendScriptJson(m_page, MakeViewData(m_content)); }

@@ -32,7 +32,8 @@ struct ViewContent
 /// Sorts the rows of a comparison by their setup pages.
 ViewContent ArrangeByPages(std::vector<ViewColumn> columns, Comparison comparison);
 
-/// Beyond so many columns a page shows, for each option, which machines have another value, in the place of a column each.
+/// Beyond so many columns a page shows, for each option, which machines have another value, in the place of a column
+/// each.
 inline constexpr std::size_t kMostColumnsSideBySide = 4;
 
 /// The content as an HTML document of its own, UTF-8: styles, script and data are in it, and its policy forbids every
