@@ -124,8 +124,8 @@ def check_batches(lab):
 
 
 def check_restart_left_out(lab):
-    """Without a restart the values wait, and a later run restarts and proves."""
-    subset = {"baseline_hosts": "m01", "baseline_batches": 1}
+    """Without a restart the values wait, and a later run restarts and proves; options come before a template."""
+    subset = {"baseline_hosts": "m01", "baseline_batches": 1, "baseline_template": "nowhere.txt"}
     lab.machines["m01"].prepare()
     lab.run("biosconfig.lab.baseline", **subset, baseline_restart=False)
     pending = lab.machines["m01"].state()["pending"]
