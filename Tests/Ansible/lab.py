@@ -64,6 +64,8 @@ class Lab:
         self.results = work / "results"
         self.machines = {name: Machine(name, work / "machines", binaries / "FenrikCmd.exe") for name in names}
         self.variables = {}
+        self.temporary = work / "temporary"
+        self.temporary.mkdir()
         link = self.collections / "ansible_collections/biosconfig/lab"
         if not link.exists():
             link.parent.mkdir(parents=True)
@@ -93,6 +95,7 @@ class Lab:
     def environment(self):
         # A scratch folder of its own: modules of simulated machines have no other place to leave anything.
         return {"PATH": os.environ["PATH"], "HOME": str(self.work / "home"), "LC_ALL": "C.UTF-8", "PWD": str(self.work),
+                "TMPDIR": str(self.temporary),
                 "ANSIBLE_COLLECTIONS_PATH": str(self.collections), "ANSIBLE_HOME": str(self.work / "home/ansible"),
                 "ANSIBLE_REMOTE_TMP": str(self.work / "home/remote"), "ANSIBLE_LOCAL_TEMP": str(self.work / "home/local"),
                 "ANSIBLE_PIPELINING": "1",
