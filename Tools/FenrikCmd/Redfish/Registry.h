@@ -1,0 +1,94 @@
+#pragma once
+
+#include "Resource.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Redfish
+{
+
+/// What a registry of attributes tells of a machine's settings, as records. All texts are UTF-8.
+
+struct RegistryChoice
+{
+    /// As it is sent.
+    std::string name;
+    /// For people; empty where there is none.
+    std::string displayName;
+};
+
+struct RegistryAttribute
+{
+    std::string name;
+    /// "Enumeration", "String", "Integer", "Boolean", "Password".
+    std::string type;
+    std::string displayName;
+    std::string helpText;
+    std::string warningText;
+    /// "./Menu/Sub".
+    std::string menuPath;
+    /// A regular expression that a string must match.
+    std::string valueExpression;
+    WireValue defaultValue;
+    std::vector<RegistryChoice> choices;
+    WireValue lowerBound;
+    WireValue upperBound;
+    WireValue scalarIncrement;
+    WireValue minLength;
+    WireValue maxLength;
+    WireValue readOnly;
+    WireValue immutable;
+    WireValue hidden;
+    WireValue grayOut;
+    WireValue writeOnly;
+    WireValue resetRequired;
+};
+
+struct RegistryMenu
+{
+    std::string path;
+    std::string displayName;
+};
+
+/// One of the comparisons that a dependency depends on.
+struct RegistryCondition
+{
+    std::string attribute;
+    std::string property;
+    /// EQU, NEQ, GTR, GEQ, LSS, LEQ.
+    std::string comparison;
+    WireValue value;
+    /// AND or OR: how it goes together with those before it.
+    std::string terms;
+};
+
+/// Where the conditions hold, a property of an attribute has the value.
+struct RegistryDependency
+{
+    std::string attribute;
+    std::string property;
+    WireValue value;
+    std::vector<RegistryCondition> conditions;
+};
+
+struct Registry
+{
+    std::vector<RegistryAttribute> attributes;
+    std::vector<RegistryMenu> menus;
+    std::vector<RegistryDependency> dependencies;
+};
+
+/// Reads a registry, an attribute without a name left out and of several of one name the first one kept. False, with
+/// `problem` as the end of a sentence, where the text is not JSON. nlohmann/json hands over piece by piece; no tree is
+/// made.
+bool ReadRegistry(std::string_view text, Registry &registry, std::string &problem);
+
+/// Positions of a registry's attributes by their names; lives no longer than the registry.
+using RegistryIndex = std::unordered_map<std::string_view, std::size_t>;
+RegistryIndex IndexOf(const Registry &registry);
+
+} // namespace Redfish
