@@ -18,15 +18,16 @@ namespace
 constexpr int kMostTries = 3;
 constexpr int kMostRedirections = 5;
 constexpr std::uint32_t kLongestPauseSeconds = 30;
-constexpr std::uint32_t kFarewellSeconds = 5;
 constexpr std::size_t kShortestSecret = 3;
 constexpr auto kGlance = std::chrono::milliseconds(50);
 
 constexpr const char *kMethodNames[] = {"GET", "POST", "PATCH", "DELETE"};
 
+constexpr ExitCode kUnusable = ExitCode::Unreadable;
+
 ToolError Unusable(const std::string &message)
 {
-    return {ExitCode::FirmwareUnreadable, message};
+    return {kUnusable, message};
 }
 
 struct FreeUrl
@@ -72,36 +73,17 @@ bool IsRedirection(long status)
     return std::find(std::begin(kStatuses), std::end(kStatuses), status) != std::end(kStatuses);
 }
 
-/// Sleeps, but not on through an end of the program.
-void Pause(std::uint32_t seconds)
+/// Sleeps, but on through an end of the program only where `goesThrough` says so.
+void Pause(std::uint32_t seconds, bool goesThrough)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    while (!Platform::DelayedInterruption::IsWaiting() && std::chrono::steady_clock::now() < end)
+    while ((goesThrough || !Platform::DelayedInterruption::IsWaiting()) && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(kGlance);
 }
 
 struct FreeList
 {
     void operator()(curl_slist *list) const { curl_slist_free_all(list); }
-};
-
-/// The header lines of a request.
-class HeaderLines
-{
-public:
-    void Add(const std::string &line)
-    {
-        curl_slist *const longer = curl_slist_append(m_lines.get(), line.c_str());
-        if (!longer)
-            throw std::bad_alloc();
-        static_cast<void>(m_lines.release());
-        m_lines.reset(longer);
-    }
-
-    curl_slist *Lines() const { return m_lines.get(); }
-
-private:
-    std::unique_ptr<curl_slist, FreeList> m_lines;
 };
 
 struct CauseText
@@ -156,6 +138,25 @@ std::string Secrets::Without(std::string text) const
     return text;
 }
 
+/// The header lines of a request.
+class HttpConnection::HeaderLines
+{
+public:
+    void Add(const std::string &line)
+    {
+        curl_slist *const longer = curl_slist_append(m_lines.get(), line.c_str());
+        if (!longer)
+            throw std::bad_alloc();
+        static_cast<void>(m_lines.release());
+        m_lines.reset(longer);
+    }
+
+    curl_slist *Lines() const { return m_lines.get(); }
+
+private:
+    std::unique_ptr<curl_slist, FreeList> m_lines;
+};
+
 /// libcurl itself, and one of its connections.
 struct HttpConnection::Libcurl
 {
@@ -201,7 +202,8 @@ struct HttpConnection::Transfer
 {
     HttpAnswer answer;
     std::size_t longestAnswer = 0;
-    bool isFarewell = false;
+    bool goesThrough = false;
+    bool lacksMemory = false;
 
     struct Header
     {
@@ -224,6 +226,7 @@ struct HttpConnection::Transfer
         }
         catch (const std::bad_alloc &)
         {
+            self.lacksMemory = true;
             return 0;
         }
         return length;
@@ -238,6 +241,7 @@ struct HttpConnection::Transfer
         }
         catch (const std::bad_alloc &)
         {
+            static_cast<Transfer *>(transfer)->lacksMemory = true;
             return 0;
         }
         return line.size();
@@ -245,7 +249,7 @@ struct HttpConnection::Transfer
 
     static int Watch(void *transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t) noexcept
     {
-        return !static_cast<Transfer *>(transfer)->isFarewell && Platform::DelayedInterruption::IsWaiting() ? 1 : 0;
+        return !static_cast<Transfer *>(transfer)->goesThrough && Platform::DelayedInterruption::IsWaiting() ? 1 : 0;
     }
 
     void TakeHeaderLine(std::string_view line)
@@ -313,76 +317,93 @@ std::string HttpConnection::Resolve(const std::string &link, const std::string &
     return Part(url, CURLUPART_URL);
 }
 
-HttpAnswer HttpConnection::SendOnce(const HttpRequest &request, const std::string &url, std::string &redirection)
+HttpConnection::HeaderLines HttpConnection::Headers(const HttpRequest &request) const
 {
-    Libcurl &curl = *m_curl;
-    Transfer transfer;
-    transfer.longestAnswer = m_settings.longestAnswer;
-    transfer.isFarewell = request.isFarewell;
-    if (!request.isFarewell && Platform::DelayedInterruption::IsWaiting())
-        throw ConnectionError(ExitCode::FirmwareUnreadable, "interrupted");
-
-    HeaderLines headers;
-    headers.Add("Accept: application/json");
-    headers.Add("OData-Version: 4.0");
-    headers.Add("Expect:");
+    HeaderLines lines;
+    lines.Add("Accept: application/json");
+    lines.Add("OData-Version: 4.0");
+    lines.Add("Expect:");
     if (!request.body.empty())
-        headers.Add("Content-Type: application/json");
+        lines.Add("Content-Type: application/json");
     if (!request.ifMatch.empty())
-        headers.Add("If-Match: " + request.ifMatch);
+        lines.Add("If-Match: " + request.ifMatch);
     if (!m_token.empty())
-        headers.Add("X-Auth-Token: " + m_token);
+        lines.Add("X-Auth-Token: " + m_token);
+    return lines;
+}
 
-    curl_easy_reset(curl.easy);
-    curl.Set(CURLOPT_URL, url.c_str());
-    curl.Set(CURLOPT_PROTOCOLS_STR, "http,https");
-    curl.Set(CURLOPT_CUSTOMREQUEST, kMethodNames[static_cast<std::size_t>(request.method)]);
-    curl.Set(CURLOPT_HTTPHEADER, headers.Lines());
-    curl.Set(CURLOPT_ACCEPT_ENCODING, "");
-    curl.Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+void HttpConnection::SetTrust()
+{
+    m_curl->Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     if (m_settings.isInsecure)
     {
-        curl.Set(CURLOPT_SSL_VERIFYPEER, 0L);
-        curl.Set(CURLOPT_SSL_VERIFYHOST, 0L);
+        m_curl->Set(CURLOPT_SSL_VERIFYPEER, 0L);
+        m_curl->Set(CURLOPT_SSL_VERIFYHOST, 0L);
     }
     else if (!m_settings.caFile.empty())
     {
-        curl.Set(CURLOPT_CAINFO, m_settings.caFile.c_str());
-        curl.Set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
+        m_curl->Set(CURLOPT_CAINFO, m_settings.caFile.c_str());
+        m_curl->Set(CURLOPT_CAPATH, static_cast<const char *>(nullptr));
     }
-    const long seconds = static_cast<long>(request.isFarewell ? std::min(kFarewellSeconds, m_settings.timeoutSeconds)
-                                                              : m_settings.timeoutSeconds);
-    curl.Set(CURLOPT_TIMEOUT, seconds);
-    curl.Set(CURLOPT_CONNECTTIMEOUT, std::max(seconds / 3, 1L));
-    curl.Set(CURLOPT_WRITEFUNCTION, &Transfer::TakeBody);
-    curl.Set(CURLOPT_WRITEDATA, static_cast<void *>(&transfer));
-    curl.Set(CURLOPT_HEADERFUNCTION, &Transfer::TakeHeader);
-    curl.Set(CURLOPT_HEADERDATA, static_cast<void *>(&transfer));
-    curl.Set(CURLOPT_NOPROGRESS, 0L);
-    curl.Set(CURLOPT_XFERINFOFUNCTION, &Transfer::Watch);
-    curl.Set(CURLOPT_XFERINFODATA, static_cast<void *>(&transfer));
-    if (request.method == HttpMethod::Post || !request.body.empty())
-    {
-        curl.Set(CURLOPT_POSTFIELDS, request.body.c_str());
-        curl.Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
-        // On a connection that has died since, libcurl would send it a second time.
-        curl.Set(CURLOPT_FRESH_CONNECT, 1L);
-    }
-    if (m_isBasic && m_token.empty())
-    {
-        curl.Set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
-        curl.Set(CURLOPT_USERNAME, m_settings.user.c_str());
-        curl.Set(CURLOPT_PASSWORD, m_settings.password.c_str());
-    }
+    if (!m_isBasic || !m_token.empty())
+        return;
+    m_curl->Set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
+    m_curl->Set(CURLOPT_USERNAME, m_settings.user.c_str());
+    m_curl->Set(CURLOPT_PASSWORD, m_settings.password.c_str());
+}
 
-    const CURLcode code = curl_easy_perform(curl.easy);
+void HttpConnection::SetRequest(const HttpRequest &request)
+{
+    m_curl->Set(CURLOPT_PROTOCOLS_STR, "http,https");
+    m_curl->Set(CURLOPT_CUSTOMREQUEST, kMethodNames[static_cast<std::size_t>(request.method)]);
+    // All that libcurl can uncompress.
+    m_curl->Set(CURLOPT_ACCEPT_ENCODING, "");
+    const auto seconds =
+        static_cast<long>(request.timeoutSeconds == 0 ? m_settings.timeoutSeconds : request.timeoutSeconds);
+    m_curl->Set(CURLOPT_TIMEOUT, seconds);
+    m_curl->Set(CURLOPT_CONNECTTIMEOUT, std::max(seconds / 3, 1L));
+    if (request.method != HttpMethod::Post && request.body.empty())
+        return;
+    m_curl->Set(CURLOPT_POSTFIELDS, request.body.c_str());
+    m_curl->Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+    // On a connection that has died since, libcurl would send it a second time.
+    m_curl->Set(CURLOPT_FRESH_CONNECT, 1L);
+}
+
+void HttpConnection::SetReceiver(Transfer &transfer)
+{
+    m_curl->Set(CURLOPT_WRITEFUNCTION, &Transfer::TakeBody);
+    m_curl->Set(CURLOPT_WRITEDATA, static_cast<void *>(&transfer));
+    m_curl->Set(CURLOPT_HEADERFUNCTION, &Transfer::TakeHeader);
+    m_curl->Set(CURLOPT_HEADERDATA, static_cast<void *>(&transfer));
+    m_curl->Set(CURLOPT_NOPROGRESS, 0L);
+    m_curl->Set(CURLOPT_XFERINFOFUNCTION, &Transfer::Watch);
+    m_curl->Set(CURLOPT_XFERINFODATA, static_cast<void *>(&transfer));
+}
+
+HttpAnswer HttpConnection::SendOnce(const HttpRequest &request, const std::string &url, std::string &redirection)
+{
+    if (!request.goesThrough && Platform::DelayedInterruption::IsWaiting())
+        throw ConnectionError(kUnusable, "interrupted");
+    Transfer transfer;
+    transfer.longestAnswer = m_settings.longestAnswer;
+    transfer.goesThrough = request.goesThrough;
+    const HeaderLines headers = Headers(request);
+    curl_easy_reset(m_curl->easy);
+    m_curl->Set(CURLOPT_URL, url.c_str());
+    m_curl->Set(CURLOPT_HTTPHEADER, headers.Lines());
+    SetRequest(request);
+    SetTrust();
+    SetReceiver(transfer);
+    const CURLcode code = curl_easy_perform(m_curl->easy);
+    if (code == CURLE_OUT_OF_MEMORY || transfer.lacksMemory)
+        throw std::bad_alloc();
     if (code != CURLE_OK)
-        throw ConnectionError(ExitCode::FirmwareUnreadable,
-                              m_base + " cannot be used: " + m_secrets.Without(Cause(code)));
-    transfer.answer.status = curl.Get<long>(CURLINFO_RESPONSE_CODE);
+        throw ConnectionError(kUnusable, m_base + " cannot be used: " + Cause(code));
+    transfer.answer.status = m_curl->Get<long>(CURLINFO_RESPONSE_CODE);
     transfer.answer.retryAfterSeconds = static_cast<std::uint32_t>(
-        std::clamp<curl_off_t>(curl.Get<curl_off_t>(CURLINFO_RETRY_AFTER), 0, kLongestPauseSeconds));
-    const char *const target = curl.Get<const char *>(CURLINFO_REDIRECT_URL);
+        std::clamp<curl_off_t>(m_curl->Get<curl_off_t>(CURLINFO_RETRY_AFTER), 0, kLongestPauseSeconds));
+    const char *const target = m_curl->Get<const char *>(CURLINFO_REDIRECT_URL);
     redirection = target ? target : "";
     return std::move(transfer.answer);
 }
@@ -393,9 +414,9 @@ HttpAnswer HttpConnection::SendPatiently(const HttpRequest &request, const std::
     {
         HttpAnswer answer = SendOnce(request, url, redirection);
         const bool wantsPatience = answer.status == kServiceUnavailable || answer.status == kTooManyRequests;
-        if (!wantsPatience || attempt == kMostTries || request.isFarewell)
+        if (!wantsPatience || attempt == kMostTries)
             return answer;
-        Pause(std::max(answer.retryAfterSeconds, attempt));
+        Pause(std::max(answer.retryAfterSeconds, attempt), request.goesThrough);
     }
 }
 

@@ -59,8 +59,10 @@ struct HttpRequest
     std::string body;
     /// The entity tag that the resource must still have; empty for none.
     std::string ifMatch;
-    /// Goes out also when an end of the program waits, with a few seconds for its answer.
-    bool isFarewell = false;
+    /// Goes out, and is not broken off, also when an end of the program waits.
+    bool goesThrough = false;
+    /// For this answer; 0 for what the settings say.
+    std::uint32_t timeoutSeconds = 0;
 };
 
 struct HttpAnswer
@@ -88,7 +90,7 @@ public:
 class HttpConnection
 {
 public:
-    /// Throws ToolError (FirmwareUnreadable) where the URL is none, or asks for an unencrypted connection that the
+    /// Throws ToolError (Unreadable) where the URL is none, or asks for an unencrypted connection that the
     /// settings do not allow.
     explicit HttpConnection(const HttpSettings &settings);
     ~HttpConnection();
@@ -104,7 +106,7 @@ public:
     /// Sends a request and waits for the answer, which may have any status but 503, 429 and those of a redirection. A
     /// service that asks for patience (503, 429) is asked up to three times with growing pauses, or those that it wishes
     /// for up to 30 s. A redirection is followed up to five times, and only on the same scheme, host and port. Throws
-    /// ConnectionError (FirmwareUnreadable) where no whole answer comes in time, the answer is too long, or an end of
+    /// ConnectionError (Unreadable) where no whole answer comes in time, the answer is too long, or an end of
     /// the program waits; ToolError where the link leads elsewhere.
     HttpAnswer Send(const HttpRequest &request);
 
@@ -115,10 +117,15 @@ public:
     const std::string &Name() const { return m_base; }
 
 private:
+    class HeaderLines;
     struct Transfer;
     struct Libcurl;
 
     std::string Resolve(const std::string &link, const std::string &from) const;
+    HeaderLines Headers(const HttpRequest &request) const;
+    void SetTrust();
+    void SetRequest(const HttpRequest &request);
+    void SetReceiver(Transfer &transfer);
     HttpAnswer SendOnce(const HttpRequest &request, const std::string &url, std::string &redirection);
     HttpAnswer SendPatiently(const HttpRequest &request, const std::string &url, std::string &redirection);
 
