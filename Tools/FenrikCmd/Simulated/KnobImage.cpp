@@ -49,15 +49,6 @@ const BuiltInFirmware &BuiltIn()
     return firmware;
 }
 
-/// An identity that stays when options before this one come or go: the 64-bit FNV-1a hash of the name.
-std::string UniqueId(const std::string &name)
-{
-    std::uint64_t hash = 0xCBF29CE484222325;
-    for (const char character : name)
-        hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3;
-    return HexText(hash, 16);
-}
-
 /// What the help of an option adds on nodes other than the first, in turn.
 constexpr const char *kNodeRemarks[] = {
     " This value applies to one node of the system only. The other nodes keep values of their own, which are found on "
@@ -78,7 +69,7 @@ constexpr const char *kNodeRemarks[] = {
     "outside the range that a revision supports are replaced by the nearest one inside it.",
 };
 
-void MoveToNode(Knob &knob, std::uint32_t node, std::uint32_t index)
+void MoveToNode(Setting &knob, std::uint32_t node, std::uint32_t index)
 {
     const std::string number = std::to_string(node);
     knob.name += "_Node" + number;
@@ -94,25 +85,27 @@ std::uint32_t DefaultKnobCount()
     return static_cast<std::uint32_t>(BuiltIn().rows.size());
 }
 
-Knob MakeKnob(std::uint32_t index)
+Setting MakeKnob(std::uint32_t index)
 {
     const PlacedRow &placed = BuiltIn().rows[index % DefaultKnobCount()];
     const KnobRow &row = *placed.row;
-    Knob knob = {.kind = row.kind,
-                 .name = row.name,
-                 .prompt = row.prompt,
-                 .help = row.help,
-                 .page = placed.page->path,
-                 .depex = row.depex,
-                 .uniqueId = {},
-                 .defaultValue = row.kind == KnobKind::Text ? row.text : HexText(row.number),
-                 .varstore = placed.page->varstore,
-                 .size = row.size,
-                 .offset = placed.offset,
-                 .choices = row.choices};
+    Setting knob;
+    knob.kind = row.kind;
+    knob.name = row.name;
+    knob.prompt = row.prompt;
+    knob.help = row.help;
+    knob.page = placed.page->path;
+    knob.condition = row.depex;
+    knob.currentValue = row.kind == SettingKind::Text ? row.text : HexText(row.number);
+    knob.defaultValue = knob.currentValue;
+    knob.varstore = placed.page->varstore;
+    knob.size = row.size;
+    knob.offset = placed.offset;
+    knob.choices.reserve(row.choices.size());
+    for (const Choice &choice : row.choices)
+        knob.choices.push_back({choice.text, choice.value});
     const std::uint32_t node = index / DefaultKnobCount();
     if (node > 0)
         MoveToNode(knob, node, index);
-    knob.uniqueId = UniqueId(knob.name);
     return knob;
 }

@@ -1,12 +1,22 @@
 #pragma once
 
-#include "Knob.h"
+#include "Setting.h"
+
+#include <cstdint>
+#include <span>
 
 /// The tables of the built-in firmware: one row per option, one table per setup page, the pages of an area in a file.
 
+/// One of the values that a one-of or a check box can take.
+struct Choice
+{
+    const char *text;
+    std::uint64_t value;
+};
+
 struct KnobRow
 {
-    KnobKind kind;
+    SettingKind kind;
     std::uint32_t size;
     const char *name;
     const char *prompt;
@@ -34,25 +44,25 @@ inline constexpr const char *kAlways = "TRUE";
 constexpr KnobRow OneOf(const char *name, const char *prompt, std::span<const Choice> choices, std::uint64_t value,
                         const char *help, const char *depex = kAlways)
 {
-    return {KnobKind::OneOf, 1, name, prompt, help, depex, choices, value, ""};
+    return {SettingKind::OneOf, 1, name, prompt, help, depex, choices, value, ""};
 }
 
 constexpr KnobRow Check(const char *name, const char *prompt, bool isChecked, const char *help,
                         const char *depex = kAlways)
 {
-    return {KnobKind::CheckBox, 1, name, prompt, help, depex, kUncheckedChecked, isChecked ? 1U : 0U, ""};
+    return {SettingKind::CheckBox, 1, name, prompt, help, depex, kUncheckedChecked, isChecked ? 1U : 0U, ""};
 }
 
 constexpr KnobRow Number(const char *name, const char *prompt, std::uint32_t size, std::uint64_t value,
                          const char *help, const char *depex = kAlways)
 {
-    return {KnobKind::Numeric, size, name, prompt, help, depex, {}, value, ""};
+    return {SettingKind::Numeric, size, name, prompt, help, depex, {}, value, ""};
 }
 
 constexpr KnobRow Text(const char *name, const char *prompt, std::uint32_t size, const char *text, const char *help,
                        const char *depex = kAlways)
 {
-    return {KnobKind::Text, size, name, prompt, help, depex, {}, 0, text};
+    return {SettingKind::Text, size, name, prompt, help, depex, {}, 0, text};
 }
 
 extern const std::span<const KnobPage> kBoardPages;

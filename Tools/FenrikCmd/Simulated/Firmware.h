@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Knob.h"
-
 #include <cstdint>
 #include <map>
 #include <string>
@@ -29,9 +27,6 @@ Firmware DefaultFirmware();
 /// A machine with `knobCount` options, all at their defaults.
 Firmware GeneratedFirmware(std::uint32_t knobCount);
 
-/// The value that `knob` has now.
-const std::string &CurrentValue(const Firmware &firmware, const Knob &knob);
-
 /// Makes the pending values current.
 void Restart(Firmware &firmware);
 
@@ -39,7 +34,7 @@ void Restart(Firmware &firmware);
 std::string FirmwarePath();
 
 /// Reads the firmware from `path`; makes the file with the default firmware when there is none. Throws ToolError:
-/// FirmwareUnreadable when the file cannot be read or is damaged (it is left as it is), CannotWrite when it cannot be
+/// Unreadable when the file cannot be read or is damaged (it is left as it is), CannotWrite when it cannot be
 /// made.
 Firmware LoadFirmware(const std::string &path);
 

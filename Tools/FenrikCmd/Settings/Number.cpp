@@ -25,3 +25,18 @@ std::string HexText(std::uint64_t value, int digits)
     const auto missing = std::max<std::ptrdiff_t>(digits - (end - buffer), 0);
     return "0x" + std::string(static_cast<std::size_t>(missing), '0') + std::string(buffer, end);
 }
+
+std::optional<std::int64_t> ParseSignedNumber(std::string_view text)
+{
+    constexpr std::uint64_t kMostNegative = std::uint64_t{1} << 63;
+    const bool isNegative = text.starts_with('-');
+    const auto number = ParseNumber(text.substr(isNegative ? 1 : 0));
+    if (!number || *number > kMostNegative - (isNegative ? 0 : 1))
+        return std::nullopt;
+    return static_cast<std::int64_t>(isNegative ? 0 - *number : *number);
+}
+
+std::string SignedText(std::int64_t value)
+{
+    return value < 0 ? std::to_string(value) : HexText(static_cast<std::uint64_t>(value));
+}

@@ -9,7 +9,9 @@ enum class ExitCode
 {
     Success = 0,
     BadInput = 1,
-    FirmwareUnreadable = 2,
+    /// The settings, their file or the configuration.
+    Unreadable = 2,
+    /// There is none, it is switched off, or the configuration does not permit what was asked.
     InterfaceDisabled = 3,
     CannotWrite = 4,
     UnknownFault = 5,

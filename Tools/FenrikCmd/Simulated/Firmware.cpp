@@ -26,8 +26,8 @@ constexpr std::pair<const char *, const char *> kOwnersValues[] = {
 
 ToolError Unreadable(const std::string &path, const std::string &reason)
 {
-    return {ExitCode::FirmwareUnreadable, "the firmware file \"" + path + "\" " + reason +
-                                              "; it is left as it is, \"reset\" puts a new one in its place"};
+    return {ExitCode::Unreadable, "the firmware file \"" + path + "\" " + reason +
+                                      "; it is left as it is, \"reset\" puts a new one in its place"};
 }
 
 /// Whether there is nothing at `path`, which is not the same as a file that cannot be read.
@@ -65,12 +65,6 @@ Firmware GeneratedFirmware(std::uint32_t knobCount)
     Firmware firmware;
     firmware.knobCount = knobCount;
     return firmware;
-}
-
-const std::string &CurrentValue(const Firmware &firmware, const Knob &knob)
-{
-    const auto found = firmware.current.find(knob.name);
-    return found == firmware.current.end() ? knob.defaultValue : found->second;
 }
 
 void Restart(Firmware &firmware)
