@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Dependencies.h"
+#include "Registry.h"
+#include "Resource.h"
+#include "Setting.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Redfish
+{
+
+/// What a machine's service tells of its settings. Not moved while an index of its registry lives.
+struct MachineSettings
+{
+    /// The resource Bios, with the current values.
+    AttributeResource bios;
+    /// The settings object, with those that wait; empty where there is none.
+    AttributeResource waiting;
+    /// Empty where the service has none.
+    Registry registry;
+    /// The page of those settings that have none of their own.
+    std::string page;
+};
+
+/// The value that waits for a restart and is another one than the current one, or null.
+const WireValue *WaitingValue(const MachineSettings &machine, const std::string &name);
+
+/// Whether two values are one to the machine: numbers also when one of them comes as a string.
+bool IsSameValue(const WireValue &left, const WireValue &right);
+
+/// The settings of a machine as records: those of the registry, the pages in the order of their first settings, then
+/// those that the machine has beyond, as texts. A choice has its place among the attribute's choices as its number;
+/// false and true have 0 and 1. A password has no value. Texts are moved out of `machine.registry` where nobody needs
+/// them to program. Pure.
+std::vector<Setting> MakeSettings(MachineSettings &machine);
+
+/// The value to be sent that means `value`, one of a dump, to the attribute: of the kind that the registry tells, a
+/// number as a string where the current value comes as one. `attribute` is null where the registry does not know it;
+/// the kind is then that of `current`, which may be null, too. Nothing where `value` is none of that kind. Pure.
+std::optional<WireValue> ValueToSend(const RegistryAttribute *attribute, const WireValue *current,
+                                     const std::string &value);
+
+/// Whether nobody is to see, and nobody can read back, the attribute's value.
+bool IsSecret(const RegistryAttribute &attribute);
+
+/// Values by the names of their attributes.
+using WireValues = std::map<std::string, WireValue>;
+
+/// The first of `wanted` that the dependencies lock or hide once all of them are set and what waits has taken effect;
+/// empty where there is none. Pure.
+std::string FirstBarred(const MachineSettings &machine, const WireValues &wanted);
+
+/// The request that has `wanted` wait for the restart. What waits already goes along, since some services take the
+/// request for all that is to wait. Pure.
+Json PatchBody(const MachineSettings &machine, const WireValues &wanted);
+
+} // namespace Redfish
