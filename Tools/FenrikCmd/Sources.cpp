@@ -1,5 +1,6 @@
 #include "Sources.h"
 
+#include "RedfishSource.h"
 #include "SimulatedSource.h"
 #include "ToolError.h"
 
@@ -12,7 +13,8 @@ struct SourceMaker
     MakeSource make;
 };
 
-constexpr SourceMaker kMakers[] = {{SourceKind::Simulated, MakeSimulatedSource}};
+constexpr SourceMaker kMakers[] = {{SourceKind::Simulated, MakeSimulatedSource},
+                                    {SourceKind::Redfish, MakeRedfishSource}};
 
 } // namespace
 

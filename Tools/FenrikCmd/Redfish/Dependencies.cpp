@@ -45,6 +45,7 @@ struct Flag
     const char *offText;
 };
 
+/// What hides comes first; all else locks.
 constexpr Flag kFlags[] = {
     {"Hidden", &RegistryAttribute::hidden, "HideIf", "HideUnless"},
     {"ReadOnly", &RegistryAttribute::readOnly, "GrayIf", "GrayUnless"},
@@ -93,7 +94,7 @@ class Judge
 {
 public:
     Judge(const Registry &registry, const RegistryIndex &index, const CurrentValues &current)
-        : m_registry(registry), m_index(index), m_current(current)
+        : m_registry(registry), m_index(index), m_current(current), m_mayHide(registry.attributes.size())
     {
         m_flags.resize(registry.attributes.size() * kFlagCount);
         for (std::size_t place = 0; place < m_flags.size(); ++place)
@@ -104,14 +105,18 @@ public:
     {
         const Flag *const flag = FindFlag(dependency.property);
         const auto target = m_index.find(dependency.attribute);
-        if (flag && target != m_index.end() && dependency.value.kind == WireKind::Boolean && Holds(dependency) == true)
+        if (!flag || target == m_index.end() || dependency.value.kind != WireKind::Boolean)
+            return;
+        if (flag == kFlags)
+            m_mayHide[target->second] = true;
+        if (Holds(dependency) == true)
             m_flags[target->second * kFlagCount + PlaceOf(flag)] = dependency.value.IsTrue();
     }
 
     Access AccessOf(std::size_t attribute) const
     {
         const auto first = m_flags.begin() + static_cast<std::ptrdiff_t>(attribute * kFlagCount);
-        return {*first, std::any_of(first + 1, first + kFlagCount, [](bool isSet) { return isSet; })};
+        return {*first && m_mayHide[attribute], std::any_of(first + 1, first + kFlagCount, [](bool isSet) { return isSet; })};
     }
 
 private:
@@ -164,6 +169,8 @@ private:
     const CurrentValues &m_current;
     /// Of every attribute those of kFlags.
     std::vector<bool> m_flags;
+    /// Of every attribute, whether a dependency decides if it is hidden.
+    std::vector<bool> m_mayHide;
 };
 
 /// A value as a dump has it.

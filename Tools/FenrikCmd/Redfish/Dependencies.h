@@ -18,6 +18,7 @@ using CurrentValues = std::function<const WireValue *(std::string_view name)>;
 /// Whether an attribute can be seen and changed.
 struct Access
 {
+    /// Because of a dependency; what a registry hides for good is hidden from people alone.
     bool isHidden = false;
     /// Read-only, immutable or grayed out.
     bool isLocked = false;

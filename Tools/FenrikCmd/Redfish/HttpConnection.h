@@ -56,9 +56,9 @@ struct HttpRequest
     /// A path of the service, or a whole URL that leads to it.
     std::string link;
     /// JSON; sent where it is not empty.
-    std::string body;
+    std::string body = {};
     /// The entity tag that the resource must still have; empty for none.
-    std::string ifMatch;
+    std::string ifMatch = {};
     /// Goes out, and is not broken off, also when an end of the program waits.
     bool goesThrough = false;
     /// For this answer; 0 for what the settings say.
@@ -112,6 +112,7 @@ public:
 
     /// What is not to stand in any message.
     Secrets &Hidden() { return m_secrets; }
+    const Secrets &Hidden() const { return m_secrets; }
 
     /// The URL without a path, for messages.
     const std::string &Name() const { return m_base; }

@@ -43,6 +43,7 @@ public:
     std::string Presentable(const std::string &text) const;
 
     HttpConnection &Connection() { return m_connection; }
+    const HttpConnection &Connection() const { return m_connection; }
 
 private:
     void LogIn(const std::string &sessions);

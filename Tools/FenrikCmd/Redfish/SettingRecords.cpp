@@ -3,7 +3,6 @@
 #include "Number.h"
 
 #include <algorithm>
-#include <numeric>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -246,19 +245,6 @@ std::optional<WireValue> LooseValueToSend(const WireValue *current, const std::s
     return WireValue{WireKind::String, value};
 }
 
-/// The registry's attributes whose access a dependency decides.
-std::vector<bool> DecidedByDependencies(const Registry &registry, const RegistryIndex &index)
-{
-    std::vector<bool> isDecided(registry.attributes.size());
-    for (const RegistryDependency &dependency : registry.dependencies)
-    {
-        const auto target = index.find(dependency.attribute);
-        if (target != index.end())
-            isDecided[target->second] = true;
-    }
-    return isDecided;
-}
-
 void FillConditions(const MachineSettings &machine, std::vector<Setting> &settings)
 {
     const RegistryIndex index = IndexOf(machine.registry);
@@ -275,6 +261,34 @@ void FillConditions(const MachineSettings &machine, std::vector<Setting> &settin
         else if (access[place].isLocked && !settings[place].isReadOnly)
             settings[place].state = SettingState::Locked;
     }
+}
+
+/// Those that the registry does not know.
+void AddLooseSettings(const MachineSettings &machine, std::vector<Setting> &settings)
+{
+    const RegistryIndex index = IndexOf(machine.registry);
+    for (const WireAttribute &attribute : machine.bios.attributes)
+    {
+        // Of several of one name the last one counts, and is found.
+        const bool counts = machine.bios.Find(attribute.name) == &attribute.value;
+        if (counts && !attribute.name.empty() && !index.contains(attribute.name))
+            settings.push_back(MakeLooseSetting(machine, attribute));
+    }
+}
+
+std::vector<Setting> PageByPage(std::vector<Setting> settings)
+{
+    std::unordered_map<std::string_view, std::size_t> pages;
+    std::vector<std::pair<std::size_t, std::size_t>> order;
+    order.reserve(settings.size());
+    for (const Setting &setting : settings)
+        order.emplace_back(pages.emplace(setting.page, pages.size()).first->second, order.size());
+    std::sort(order.begin(), order.end());
+    std::vector<Setting> sorted;
+    sorted.reserve(settings.size());
+    for (const auto &[page, place] : order)
+        sorted.push_back(std::move(settings[place]));
+    return sorted;
 }
 
 } // namespace
@@ -310,24 +324,8 @@ std::vector<Setting> MakeSettings(MachineSettings &machine)
         settings.back().page = pages.titles[pages.ofAttributes[settings.size() - 1]];
     }
     FillConditions(machine, settings);
-    const RegistryIndex index = IndexOf(machine.registry);
-    for (const WireAttribute &attribute : machine.bios.attributes)
-    {
-        const bool isFirst = machine.bios.Find(attribute.name) == &attribute.value;
-        if (isFirst && !attribute.name.empty() && !index.contains(attribute.name))
-            settings.push_back(MakeLooseSetting(machine, attribute));
-    }
-    std::unordered_map<std::string_view, std::size_t> pageNumbers;
-    std::vector<std::pair<std::size_t, std::size_t>> order;
-    order.reserve(settings.size());
-    for (const Setting &setting : settings)
-        order.emplace_back(pageNumbers.emplace(setting.page, pageNumbers.size()).first->second, order.size());
-    std::sort(order.begin(), order.end());
-    std::vector<Setting> sorted;
-    sorted.reserve(settings.size());
-    for (const auto &[page, place] : order)
-        sorted.push_back(std::move(settings[place]));
-    return sorted;
+    AddLooseSettings(machine, settings);
+    return PageByPage(std::move(settings));
 }
 
 std::optional<WireValue> ValueToSend(const RegistryAttribute *attribute, const WireValue *current,
@@ -352,7 +350,6 @@ std::optional<WireValue> ValueToSend(const RegistryAttribute *attribute, const W
 std::string FirstBarred(const MachineSettings &machine, const WireValues &wanted)
 {
     const RegistryIndex index = IndexOf(machine.registry);
-    const std::vector<bool> isDecided = DecidedByDependencies(machine.registry, index);
     const auto later = [&](std::string_view name)
     {
         const auto assigned = wanted.find(std::string(name));
@@ -368,7 +365,7 @@ std::string FirstBarred(const MachineSettings &machine, const WireValues &wanted
         if (place == index.end())
             continue;
         const WireValue *const current = machine.bios.Find(name);
-        const bool isBarred = access[place->second].isLocked || (access[place->second].isHidden && isDecided[place->second]);
+        const bool isBarred = access[place->second].isLocked || access[place->second].isHidden;
         if (isBarred && !(current && IsSameValue(*current, value)))
             return name;
     }
