@@ -70,6 +70,7 @@ FAULTS = {
     "close-patch": "the connection is closed in the middle of the request, and nothing is taken",
     "close-taken": "the request is taken and the connection closed without an answer",
     "patch-500": "programming fails",
+    "slow-patch": "programming takes a while",
     "reset-refused": "the default settings are refused",
 }
 
@@ -189,7 +190,8 @@ class Service:
         self.machine = machine or Machine()
         self.fault = fault
         self.elsewhere = elsewhere
-        self.sessions, self.requests, self.violations, self.patches = {}, [], [], []
+        self.sessions, self.requests, self.violations, self.patches, self.tokens = {}, [], [], [], []
+        self.is_slow = False
         self.resets = self.version = self.asked = self.polls = self.made = 0
         self.lock = threading.RLock()
         self.server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), type("Handler", (Handler,), {"service": self}))
@@ -380,6 +382,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
         if fault == "503-always" or (fault == "503" and service.asked == 1):
             return self.refuse(503, "ServiceTemporarilyUnavailable", "The service is busy.", Retry_After="1")
         if fault == "slow":
+            service.is_slow = True
             time.sleep(4)
         body = json.dumps(document).encode()
         if fault in ("half", "too-long"):
@@ -444,6 +447,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             service.made += 1
             number, token = str(service.made), secrets.token_hex(16)
             service.sessions[number] = token
+            service.tokens.append(token)
             return self.send(odata(f"{path}/{number}", "Session.v1_6_0.Session", UserName=USER), 201, X_Auth_Token=token, Location=f"{path}/{number}")
         if path.endswith("/Actions/Bios.ResetBios"):
             if fault == "reset-refused":
@@ -485,6 +489,9 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
     def program(self, attributes, body, fault):
         service, machine = self.service, self.service.machine
+        if fault == "slow-patch":
+            service.is_slow = True
+            time.sleep(2)
         if fault == "patch-500":
             return self.refuse(500, "InternalError", "The service has failed.")
         problems = {name: machine.problem(name, value) for name, value in attributes.items()}
