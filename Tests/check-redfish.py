@@ -86,7 +86,7 @@ READING = [
     ("", 0, "saved", 301),
     ("401", 3, "the session has ended (try again) (status 401)", 0),
     ("403", 3, "the user may not do this (take a user who may configure components) (status 403)", 0),
-    ("404", 2, "there is no such resource", 0),
+    ("404", 2, "This is refused (status 404)", 0),
     ("503", 0, "saved", 301),
     ("503-always", 2, "the service is busy (try again later) (status 503)", 0),
     ("slow", 2, "the time for the answer is over", 0),
@@ -97,10 +97,10 @@ READING = [
     ("list", 2, "is no JSON object", 0),
     ("no-attributes", 2, "tells of no settings", 0),
     ("error-200", 2, "reading the settings failed", 0),
-    ("registry-without-list", 0, "the registry of the settings is empty; all settings are texts", 10 + 291),
-    ("registry-empty", 0, "the registry of the settings is empty; all settings are texts", 10 + 291),
-    ("registry-missing", 0, "has no registry of its settings, UnitRegistry.v2_1_0; all settings are texts", 10 + 291),
-    ("registry-without-location", 0, "has no registry of its settings", 10 + 291),
+    ("registry-without-list", 0, "the registry of the settings is empty; all settings are texts", 300),
+    ("registry-empty", 0, "the registry of the settings is empty; all settings are texts", 300),
+    ("registry-missing", 0, "has no registry of its settings, UnitRegistry.v2_1_0; all settings are texts", 300),
+    ("registry-without-location", 0, "has no registry of its settings", 300),
     ("registry-not-json", 2, "for the registry of the settings is not JSON", 0),
     ("registry-gzip", 0, "saved", 301),
     ("registry-gzip-broken", 2, "the answer is not compressed as it says", 0),
@@ -203,7 +203,7 @@ PROGRAMMING = [
     ("task-fails", "FanFloor = 40\n", 4, "ended as \"Exception\": FanFloor: the machine does not take the value; what the service had taken", {"FanFloor": 35}, 2),
     ("refused", "FanFloor = 40\nStartMode = 0\n", 1, "FanFloor: the value is none of those that the machine takes", {}, 1),
     ("echo", MANY, 1, "Invented error: ", {}, 1),
-    ("error-200-patch", MANY, 4, "the service has failed; nothing was programmed", {}, 1),
+    ("error-200-patch", MANY, 4, "the service has failed (restart the management controller if that goes on); nothing was programmed", {}, 1),
     ("by-halves", MANY, 4, "FanFloor: the value does not go together with that of another option", {"AssetLabel": "Bay 7 / \"Ü\" <x>"}, 2),
     ("silent", "FanFloor = 40\nStartMode = 0\n", 4, "accepted the request and not taken FanFloor, StartMode; nothing was programmed", {}, 1),
     ("close-patch", MANY, 4, "the connection was closed", {}, 0),
@@ -267,7 +267,7 @@ def check_trust(place):
         ({"credentials-file": "missing"}, 2, "cannot be read", False),
         ({"credentials-file": None, "netrc-file": "netrc"}, 0, "enabled", True),
         ({"credentials-file": None, "netrc-file": "netrc-open"}, 2, "is open to others than its owner", False),
-        ({"credentials-file": None}, 3, "the session has ended", True),
+        ({"credentials-file": None}, 3, "user and password are needed", True),
         ({"url": "https://127.0.0.1:1"}, 2, "nobody answers there", False),
         ({"system": "Node-9"}, 3, "has no system \"Node-9\"; there are: Node-1", True),
     ]
@@ -361,7 +361,7 @@ def check_whole(work, certificate):
         check(outcome.returncode != 0 and "Invented error" in outcome.stderr, f"echo: {outcome}")
     check(list(host.rglob("Error.xml")) and (host / "traces.log").stat().st_size > 1000, "Error.xml and traces were not written")
     for path in [*host.rglob("*"), *(work / "programs").rglob("*")]:
-        if path.is_file() and path.name not in ("template.txt", "credentials", "FenrikCmd.exe"):
+        if path.is_file() and path.name not in ("template.txt", "template.ini", "credentials", "FenrikCmd.exe"):
             seen.append((path, path.read_bytes().decode(errors="replace")))
 
 

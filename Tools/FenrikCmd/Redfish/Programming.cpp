@@ -22,19 +22,25 @@ constexpr int kMostPolls = 20;
 constexpr auto kPollPause = std::chrono::milliseconds(250);
 constexpr auto kPollSecond = std::chrono::seconds(1);
 
+constexpr const char *kNotKnown = "; whether anything was programmed is not known, \"pending\" tells of it later";
+
 /// What the service has said of a request to program.
 struct Outcome
 {
     /// Whether it has said that it is done.
     bool isDone = false;
+    /// Whether it has said nothing, and may have done it all the same.
+    bool isUnknown = false;
     /// How the tool ends where it is not done, and why: a phrase.
     ExitCode code = ExitCode::CannotWrite;
     std::string reason;
 };
 
+const Outcome kDone = {true, false, ExitCode::Success, {}};
+
 Outcome Failed(ExitCode code, const std::string &reason)
 {
-    return {false, code, reason};
+    return {false, false, code, reason};
 }
 
 ExitCode CodeOf(long status)
@@ -61,7 +67,7 @@ Outcome OutcomeOfTask(Service &service, const Json &task)
     if (IsOneOf(state, {"Exception", "Cancelled", "Killed", "Interrupted"}))
         return Failed(ExitCode::CannotWrite,
                       "the service's task has ended as \"" + state + "\"" + (sentences.empty() ? "" : ": " + sentences));
-    return {true, ExitCode::Success, {}};
+    return kDone;
 }
 
 /// Asks after a task until it has ended or waits for the restart.
@@ -79,14 +85,14 @@ Outcome FollowTask(Service &service, const WarningSink &warn, const HttpAnswer &
         if (answer.status >= 400 && answer.status != 404 && answer.status != 410)
             return Failed(CodeOf(answer.status), service.Refusal(answer, "programming").what());
         if (answer.status != kAccepted || IsOneOf(state, {"Completed", "Exception", "Cancelled", "Killed", "Interrupted"}))
-            return isTask ? OutcomeOfTask(service, task) : Outcome{true, ExitCode::Success, {}};
+            return isTask ? OutcomeOfTask(service, task) : kDone;
         if (IsOneOf(state, {"Pending", "Suspended", "Service"}))
             break;
         std::this_thread::sleep_for(answer.retryAfterSeconds > 0 ? kPollSecond * answer.retryAfterSeconds
                                                                  : kPollPause * (poll + 1));
     }
     warn("the service has accepted the request and is not done with it; \"pending\" tells of it later");
-    return {true, ExitCode::Success, {}};
+    return kDone;
 }
 
 Outcome OutcomeOfAnswer(Service &service, const WarningSink &warn, const HttpAnswer &answer)
@@ -100,7 +106,7 @@ Outcome OutcomeOfAnswer(Service &service, const WarningSink &warn, const HttpAns
     if (answer.status == kAccepted)
         return FollowTask(service, warn, answer);
     if (sentences.empty())
-        return {true, ExitCode::Success, {}};
+        return kDone;
     return Failed(ExitCode::CannotWrite, sentences);
 }
 
@@ -109,6 +115,10 @@ Outcome Send(Service &service, const WarningSink &warn, const HttpRequest &reque
     try
     {
         return OutcomeOfAnswer(service, warn, service.Connection().Send(request));
+    }
+    catch (const ConnectionError &error)
+    {
+        return {false, true, ExitCode::CannotWrite, error.what()};
     }
     catch (const ToolError &error)
     {
@@ -209,12 +219,15 @@ void ProgramSettings(Service &service, const WarningSink &warn, Machine &machine
     {
         ReadBack(service, machine);
         const std::vector<std::string> missing = NotAs(machine, wanted);
-        // A connection that breaks says nothing of what the service has done; what it has taken does.
-        if (missing.empty() && outcome.isDone)
+        if (missing.empty() && (outcome.isDone || (outcome.isUnknown && !before.empty())))
+        {
+            if (outcome.isUnknown)
+                warn(service.Presentable(outcome.reason + "; but the service has taken the request"));
             return;
+        }
         if (outcome.isDone)
             outcome = Failed(ExitCode::CannotWrite, "the service has accepted the request and not taken " + Join(missing));
-        rest = PutBack(service, warn, machine, before);
+        rest = outcome.isUnknown && before.empty() ? kNotKnown : PutBack(service, warn, machine, before);
     }
     catch (const ToolError &error)
     {
@@ -223,7 +236,7 @@ void ProgramSettings(Service &service, const WarningSink &warn, Machine &machine
             warn(std::string("the service has accepted the request, but it could not be read back: ") + error.what());
             return;
         }
-        rest = "; whether anything was programmed is not known, \"pending\" tells of it later";
+        rest = kNotKnown;
     }
     throw ToolError(outcome.code, service.Presentable(outcome.reason + rest));
 }

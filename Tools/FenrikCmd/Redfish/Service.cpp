@@ -98,6 +98,26 @@ Json FindRegistryFile(Service &service, std::vector<std::string> links, const st
     return nearly;
 }
 
+/// The link of the system that is called so, by its link or else by its Id; empty where there is none.
+std::string SystemNamed(Service &service, const std::vector<std::string> &links, const std::string &name)
+{
+    const auto byLink =
+        std::find_if(links.begin(), links.end(), [&](const std::string &link) { return LastPart(link) == name; });
+    if (byLink != links.end())
+        return *byLink;
+    const auto byId = std::find_if(links.begin(), links.end(), [&](const std::string &link)
+                                   { return TextAt(service.GetJson(link, "the system"), {"Id"}) == name; });
+    return byId == links.end() ? std::string() : *byId;
+}
+
+std::string LastParts(const std::vector<std::string> &links)
+{
+    std::string names;
+    for (const std::string &link : links)
+        names += (names.empty() ? "" : ", ") + LastPart(link);
+    return names;
+}
+
 } // namespace
 
 std::string LastPart(std::string link)
@@ -150,6 +170,8 @@ ToolError Service::Refusal(const HttpAnswer &answer, const std::string &doing) c
     if (ReadJson(answer.body, json, problem))
         sentences = FailureSentences(MessagesOf(json));
     const bool isForbidden = answer.status == kUnauthorized || answer.status == kForbidden;
+    if (answer.status == kUnauthorized && m_user.empty())
+        sentences = "user and password are needed; name a file with them in the configuration (credentials-file)";
     const std::string reason = answer.IsSuccess() ? sentences
                                : sentences.empty()
                                    ? StatusSentence(answer.status)
@@ -212,30 +234,22 @@ void Service::LogIn(const std::string &sessions)
 std::string FindSystem(Service &service, const std::string &name, Json &system)
 {
     const std::string collection = LinkAt(service.Root(), {"Systems"});
+    const std::string where = "the service at " + service.Connection().Name();
     if (collection.empty())
-        throw ToolError(ExitCode::InterfaceDisabled, "the service at " + service.Connection().Name() + " knows no systems");
+        throw ToolError(ExitCode::InterfaceDisabled, where + " knows no systems");
     const std::vector<std::string> links = AllMembers(service, collection, "the list of systems");
-    if (name.empty() && links.size() == 1)
-    {
-        system = service.GetJson(links.front(), "the system");
-        return links.front();
-    }
-    std::string names;
-    for (const std::string &link : links)
-    {
-        const bool isIt = !name.empty() && LastPart(link) == name;
-        if (isIt || !name.empty())
-            system = service.GetJson(link, "the system");
-        if (isIt || (!name.empty() && TextAt(system, {"Id"}) == name))
-            return link;
-        names += (names.empty() ? "" : ", ") + LastPart(link);
-    }
-    const std::string problem = links.empty() ? "has no system"
-                                : name.empty()
-                                    ? "has several systems; name one in the configuration (system): " + names
-                                    : "has no system \"" + name + "\"; there are: " + names;
-    throw ToolError(ExitCode::InterfaceDisabled,
-                    service.Presentable("the service at " + service.Connection().Name() + ' ' + problem));
+    if (links.empty())
+        throw ToolError(ExitCode::InterfaceDisabled, where + " has no system");
+    const std::string link = name.empty() ? links.size() == 1 ? links.front() : std::string()
+                                          : SystemNamed(service, links, name);
+    if (link.empty())
+        throw ToolError(ExitCode::InterfaceDisabled,
+                        service.Presentable(where +
+                                            (name.empty() ? " has several systems; name one in the configuration (system)"
+                                                          : " has no system \"" + name + "\"; there are") +
+                                            ": " + LastParts(links)));
+    system = service.GetJson(link, "the system");
+    return link;
 }
 
 std::string LocationFor(const Json &file, const std::string &language)
