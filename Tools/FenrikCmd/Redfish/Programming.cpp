@@ -36,7 +36,10 @@ struct Outcome
     std::string reason;
 };
 
-const Outcome kDone = {true, false, ExitCode::Success, {}};
+Outcome Done()
+{
+    return {true, false, ExitCode::Success, {}};
+}
 
 Outcome Failed(ExitCode code, const std::string &reason)
 {
@@ -67,7 +70,7 @@ Outcome OutcomeOfTask(Service &service, const Json &task)
     if (IsOneOf(state, {"Exception", "Cancelled", "Killed", "Interrupted"}))
         return Failed(ExitCode::CannotWrite,
                       "the service's task has ended as \"" + state + "\"" + (sentences.empty() ? "" : ": " + sentences));
-    return kDone;
+    return Done();
 }
 
 /// Asks after a task until it has ended or waits for the restart.
@@ -85,14 +88,14 @@ Outcome FollowTask(Service &service, const WarningSink &warn, const HttpAnswer &
         if (answer.status >= 400 && answer.status != 404 && answer.status != 410)
             return Failed(CodeOf(answer.status), service.Refusal(answer, "programming").what());
         if (answer.status != kAccepted || IsOneOf(state, {"Completed", "Exception", "Cancelled", "Killed", "Interrupted"}))
-            return isTask ? OutcomeOfTask(service, task) : kDone;
+            return isTask ? OutcomeOfTask(service, task) : Done();
         if (IsOneOf(state, {"Pending", "Suspended", "Service"}))
             break;
         std::this_thread::sleep_for(answer.retryAfterSeconds > 0 ? kPollSecond * answer.retryAfterSeconds
                                                                  : kPollPause * (poll + 1));
     }
     warn("the service has accepted the request and is not done with it; \"pending\" tells of it later");
-    return kDone;
+    return Done();
 }
 
 Outcome OutcomeOfAnswer(Service &service, const WarningSink &warn, const HttpAnswer &answer)
@@ -106,7 +109,7 @@ Outcome OutcomeOfAnswer(Service &service, const WarningSink &warn, const HttpAns
     if (answer.status == kAccepted)
         return FollowTask(service, warn, answer);
     if (sentences.empty())
-        return kDone;
+        return Done();
     return Failed(ExitCode::CannotWrite, sentences);
 }
 
