@@ -383,6 +383,10 @@ def measure(place):
         requests = ["curl", "--silent", "--fail", "--compressed", "--cacert", str(place.certificate.with_suffix(".crt")), "-H", f"X-Auth-Token: {token}"]
         for path in paths:
             requests += ["-o", "/dev/null", service.url + path]
+        session = ["--silent", "--cacert", str(place.certificate.with_suffix(".crt")), "-o", "/dev/null", "-H", f"X-Auth-Token: {token}"]
+        requests += ["--next", *session, "-d", f'{{"UserName": "{redfish.USER}", "Password": "{redfish.PASSWORD}"}}', "-H", "Content-Type: application/json",
+                     f"{service.url}{redfish.ROOT}/SessionService/Sessions",
+                     "--next", *session, "-X", "DELETE", f"{service.url}{redfish.ROOT}/SessionService/Sessions/none"]
         times = {}
         for name, command in (("tool", [place.folder / "FenrikCmd.exe", "savexml", "dump.xml"]), ("curl", requests)):
             for _ in range(15):

@@ -24,14 +24,15 @@ Options           Sources/Options            : Text Tool
 Module            Sources/Module             : Headers Platform ExceptionBarrier Diagnostics Text HostFiles Tool Writers
 FenrikSettings    Tools/FenrikCmd/Settings   : Platform
 SimulatedSource   Tools/FenrikCmd/Simulated  : Platform FenrikSettings
-FenrikCmd         Tools/FenrikCmd            : Platform FenrikSettings SimulatedSource
+KernelSource      Tools/FenrikCmd/KernelAttributes : Platform FenrikSettings
+FenrikCmd         Tools/FenrikCmd            : Platform FenrikSettings SimulatedSource KernelSource
 biosconfig        Tools/biosconfig           : Headers Platform Text Tool Options Diagnostics/DebugConfCheck.h
 HostExample       Docs                       : Headers
 TestSupport       Tests/Support              : Headers Platform Diagnostics
 WriterTests       Tests/Writers              : Headers Platform Diagnostics Writers TestSupport
-Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Options Writers Module TestSupport
+Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml FenrikSettings SimulatedSource KernelSource HostFiles Tool Options Writers Module TestSupport
 Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module TestSupport WriterTests
-Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikSettings SimulatedSource HostFiles Tool Options Writers Module
+Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikSettings SimulatedSource KernelSource HostFiles Tool Options Writers Module
 TABLE
 
 # LIBRARY, how its headers begin, and the files that may include them (one pattern).

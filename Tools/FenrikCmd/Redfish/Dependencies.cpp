@@ -39,7 +39,7 @@ const Comparison *FindComparison(std::string_view name)
 struct Flag
 {
     std::string_view property;
-    WireValue RegistryAttribute::*declared;
+    bool RegistryAttribute::*declared;
     /// How its dependencies begin: where it is set, and where it is not.
     const char *onText;
     const char *offText;
@@ -47,10 +47,10 @@ struct Flag
 
 /// What hides comes first; all else locks.
 constexpr Flag kFlags[] = {
-    {"Hidden", &RegistryAttribute::hidden, "HideIf", "HideUnless"},
-    {"ReadOnly", &RegistryAttribute::readOnly, "GrayIf", "GrayUnless"},
-    {"GrayOut", &RegistryAttribute::grayOut, "GrayIf", "GrayUnless"},
-    {"Immutable", &RegistryAttribute::immutable, "GrayIf", "GrayUnless"},
+    {"Hidden", &RegistryAttribute::isHidden, "HideIf", "HideUnless"},
+    {"ReadOnly", &RegistryAttribute::isReadOnly, "GrayIf", "GrayUnless"},
+    {"GrayOut", &RegistryAttribute::isGrayOut, "GrayIf", "GrayUnless"},
+    {"Immutable", &RegistryAttribute::isImmutable, "GrayIf", "GrayUnless"},
 };
 constexpr std::size_t kFlagCount = std::size(kFlags);
 
@@ -61,17 +61,17 @@ const Flag *FindFlag(std::string_view property)
     return found == std::end(kFlags) ? nullptr : found;
 }
 
+/// What else of an attribute can be compared.
 struct Property
 {
     std::string_view name;
-    WireValue RegistryAttribute::*member;
+    std::optional<std::int64_t> RegistryAttribute::*member;
 };
 
 constexpr Property kProperties[] = {
-    {"DefaultValue", &RegistryAttribute::defaultValue},       {"LowerBound", &RegistryAttribute::lowerBound},
-    {"UpperBound", &RegistryAttribute::upperBound},           {"MinLength", &RegistryAttribute::minLength},
-    {"MaxLength", &RegistryAttribute::maxLength},             {"WriteOnly", &RegistryAttribute::writeOnly},
-    {"ScalarIncrement", &RegistryAttribute::scalarIncrement}, {"ResetRequired", &RegistryAttribute::resetRequired},
+    {"LowerBound", &RegistryAttribute::lowerBound},           {"UpperBound", &RegistryAttribute::upperBound},
+    {"MinLength", &RegistryAttribute::minLength},             {"MaxLength", &RegistryAttribute::maxLength},
+    {"ScalarIncrement", &RegistryAttribute::scalarIncrement},
 };
 
 /// Nothing where the two cannot be compared.
@@ -98,7 +98,7 @@ public:
     {
         m_flags.resize(registry.attributes.size() * kFlagCount);
         for (std::size_t place = 0; place < m_flags.size(); ++place)
-            m_flags[place] = (registry.attributes[place / kFlagCount].*kFlags[place % kFlagCount].declared).IsTrue();
+            m_flags[place] = registry.attributes[place / kFlagCount].*kFlags[place % kFlagCount].declared;
     }
 
     void Take(const RegistryDependency &dependency)
@@ -134,10 +134,14 @@ private:
             return {};
         if (const Flag *const flag = FindFlag(condition.property))
             return {WireKind::Boolean, m_flags[found->second * kFlagCount + PlaceOf(flag)] ? "true" : "false"};
-        const auto *const property = std::find_if(std::begin(kProperties), std::end(kProperties),
-                                                  [&](const Property &known) { return known.name == condition.property; });
-        return property == std::end(kProperties) ? WireValue()
-                                                 : m_registry.attributes[found->second].*property->member;
+        const RegistryAttribute &attribute = m_registry.attributes[found->second];
+        if (condition.property == "DefaultValue")
+            return attribute.defaultValue;
+        const auto *const property = std::find_if(std::begin(kProperties), std::end(kProperties), [&](const Property &known)
+                                                  { return known.name == condition.property; });
+        if (property == std::end(kProperties) || !(attribute.*property->member))
+            return {};
+        return {WireKind::Integer, std::to_string(*(attribute.*property->member))};
     }
 
     std::optional<bool> Holds(const RegistryCondition &condition) const

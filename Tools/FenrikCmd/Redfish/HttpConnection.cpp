@@ -202,6 +202,7 @@ struct HttpConnection::Transfer
 {
     HttpAnswer answer;
     std::size_t longestAnswer = 0;
+    CURL *easy = nullptr;
     bool goesThrough = false;
     bool lacksMemory = false;
 
@@ -222,6 +223,8 @@ struct HttpConnection::Transfer
             return 0;
         try
         {
+            if (self.answer.body.empty())
+                self.answer.body.reserve(self.ExpectedLength());
             self.answer.body.append(bytes, length);
         }
         catch (const std::bad_alloc &)
@@ -250,6 +253,15 @@ struct HttpConnection::Transfer
     static int Watch(void *transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t) noexcept
     {
         return !static_cast<Transfer *>(transfer)->goesThrough && Platform::DelayedInterruption::IsWaiting() ? 1 : 0;
+    }
+
+    /// As far as the service says, and no further than is believed without having it.
+    std::size_t ExpectedLength() const
+    {
+        constexpr curl_off_t kMostBelieved = curl_off_t{8} << 20;
+        curl_off_t length = 0;
+        curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+        return static_cast<std::size_t>(std::clamp(length, curl_off_t{0}, kMostBelieved));
     }
 
     void TakeHeaderLine(std::string_view line)
@@ -362,12 +374,11 @@ void HttpConnection::SetRequest(const HttpRequest &request)
         static_cast<long>(request.timeoutSeconds == 0 ? m_settings.timeoutSeconds : request.timeoutSeconds);
     m_curl->Set(CURLOPT_TIMEOUT, seconds);
     m_curl->Set(CURLOPT_CONNECTTIMEOUT, std::max(seconds / 3, 1L));
+    m_curl->Set(CURLOPT_FRESH_CONNECT, request.isOnce ? 1L : 0L);
     if (request.method != HttpMethod::Post && request.body.empty())
         return;
     m_curl->Set(CURLOPT_POSTFIELDS, request.body.c_str());
     m_curl->Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
-    // On a connection that has died since, libcurl would send it a second time.
-    m_curl->Set(CURLOPT_FRESH_CONNECT, 1L);
 }
 
 void HttpConnection::SetReceiver(Transfer &transfer)
@@ -387,6 +398,7 @@ HttpAnswer HttpConnection::SendOnce(const HttpRequest &request, const std::strin
         throw ConnectionError(kUnusable, "interrupted");
     Transfer transfer;
     transfer.longestAnswer = m_settings.longestAnswer;
+    transfer.easy = m_curl->easy;
     transfer.goesThrough = request.goesThrough;
     const HeaderLines headers = Headers(request);
     curl_easy_reset(m_curl->easy);

@@ -59,6 +59,8 @@ struct HttpRequest
     std::string body = {};
     /// The entity tag that the resource must still have; empty for none.
     std::string ifMatch = {};
+    /// Goes out on a connection of its own: on one that has died since, it might come to be sent a second time.
+    bool isOnce = false;
     /// Goes out, and is not broken off, also when an end of the program waits.
     bool goesThrough = false;
     /// For this answer; 0 for what the settings say.

@@ -27,7 +27,7 @@ AttributeResource Attributes(Service &service, const HttpAnswer &answer, const s
 
 HttpAnswer GetThrough(Service &service, const std::string &link, bool goesThrough)
 {
-    return service.Connection().Send({HttpMethod::Get, link, {}, {}, goesThrough, 0});
+    return service.Connection().Send({HttpMethod::Get, link, {}, {}, false, goesThrough});
 }
 
 bool HasControls(std::string_view text)

@@ -80,7 +80,7 @@ Outcome FollowTask(Service &service, const WarningSink &warn, const HttpAnswer &
     Json task;
     for (int poll = 0; poll < kMostPolls && !accepted.location.empty(); ++poll)
     {
-        answer = service.Connection().Send({HttpMethod::Get, accepted.location, {}, {}, true, 0});
+        answer = service.Connection().Send({HttpMethod::Get, accepted.location, {}, {}, false, true});
         std::string problem;
         // A monitor that has done its work may be gone, or have nothing to say any more.
         const bool isTask = ReadJson(answer.body, task, problem);
@@ -132,7 +132,7 @@ Outcome Send(Service &service, const WarningSink &warn, const HttpRequest &reque
 Outcome SendPatch(Service &service, const WarningSink &warn, const Machine &machine, const WireValues &wanted)
 {
     const std::string body = PatchBody(machine.settings, wanted).dump(-1, ' ', false, Json::error_handler_t::replace);
-    return Send(service, warn, {HttpMethod::Patch, machine.settingsLink, body, machine.entityTag, true, 0});
+    return Send(service, warn, {HttpMethod::Patch, machine.settingsLink, body, machine.entityTag, true, true});
 }
 
 std::string Join(const std::vector<std::string> &names)
@@ -250,7 +250,7 @@ void ResetSettings(Service &service, const WarningSink &warn, const Machine &mac
     if (target.empty())
         throw ToolError(ExitCode::InterfaceDisabled, "the service at " + service.Connection().Name() +
                                                          " offers no reset of the firmware's settings");
-    const Outcome outcome = Send(service, warn, {HttpMethod::Post, target, "{}", {}, true, 0});
+    const Outcome outcome = Send(service, warn, {HttpMethod::Post, target, "{}", {}, true, true});
     if (!outcome.isDone)
         throw ToolError(outcome.code, service.Presentable(outcome.reason));
 }

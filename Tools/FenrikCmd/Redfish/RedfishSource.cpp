@@ -56,7 +56,6 @@ private:
     Platform::DelayedInterruption m_interruption;
     Service m_service;
     Redfish::Machine m_machine;
-    std::vector<Setting> m_settings;
     bool m_isOpen = false;
     bool m_isLoaded = false;
 };
@@ -82,7 +81,6 @@ void RedfishSource::Load()
     Open();
     ReadWaiting(m_service, m_machine);
     ReadMachineRegistry(m_service, m_configuration.redfish, m_warn, m_machine);
-    m_settings = MakeSettings(m_machine.settings);
     m_isLoaded = true;
 }
 
@@ -119,19 +117,13 @@ std::optional<std::size_t> RedfishSource::PendingCount()
     Load();
     if (!m_machine.tellsWaiting)
         return std::nullopt;
-    return static_cast<std::size_t>(std::count_if(m_settings.begin(), m_settings.end(), [](const Setting &setting)
-                                                  { return setting.pendingValue.has_value(); }));
+    return CountWaiting(m_machine.settings);
 }
 
 void RedfishSource::List(const SettingVisitor &visit)
 {
     Load();
-    for (const Setting &setting : m_settings)
-    {
-        Setting handed = setting;
-        if (!visit(handed))
-            return;
-    }
+    ListSettings(m_machine.settings, visit);
 }
 
 WireValues RedfishSource::ValuesOf(const std::vector<Assignment> &assignments)
@@ -179,11 +171,13 @@ PendingSettings RedfishSource::Pending()
     Load();
     PendingSettings pending;
     pending.isKnown = m_machine.tellsWaiting;
-    for (const Setting &setting : m_settings)
-    {
-        if (setting.pendingValue)
-            pending.values.emplace_back(setting.name, *setting.pendingValue);
-    }
+    ListSettings(m_machine.settings,
+                 [&pending](Setting &setting)
+                 {
+                     if (setting.pendingValue)
+                         pending.values.emplace_back(std::move(setting.name), std::move(*setting.pendingValue));
+                     return true;
+                 });
     std::sort(pending.values.begin(), pending.values.end());
     if (!pending.isKnown)
         pending.remarks.emplace_back("The service does not tell what waits for the restart.");

@@ -73,19 +73,20 @@ constexpr Field<RegistryAttribute, std::string> kAttributeTexts[] = {
     {"ValueExpression", &RegistryAttribute::valueExpression},
 };
 
-constexpr Field<RegistryAttribute, WireValue> kAttributeValues[] = {
-    {"DefaultValue", &RegistryAttribute::defaultValue},
+constexpr Field<RegistryAttribute, WireValue> kAttributeValues[] = {{"DefaultValue", &RegistryAttribute::defaultValue}};
+
+constexpr Field<RegistryAttribute, std::optional<std::int64_t>> kAttributeNumbers[] = {
     {"LowerBound", &RegistryAttribute::lowerBound},
     {"UpperBound", &RegistryAttribute::upperBound},
     {"ScalarIncrement", &RegistryAttribute::scalarIncrement},
     {"MinLength", &RegistryAttribute::minLength},
     {"MaxLength", &RegistryAttribute::maxLength},
-    {"ReadOnly", &RegistryAttribute::readOnly},
-    {"Immutable", &RegistryAttribute::immutable},
-    {"Hidden", &RegistryAttribute::hidden},
-    {"GrayOut", &RegistryAttribute::grayOut},
-    {"WriteOnly", &RegistryAttribute::writeOnly},
-    {"ResetRequired", &RegistryAttribute::resetRequired},
+};
+
+constexpr Field<RegistryAttribute, bool> kAttributeFlags[] = {
+    {"ReadOnly", &RegistryAttribute::isReadOnly},   {"Immutable", &RegistryAttribute::isImmutable},
+    {"Hidden", &RegistryAttribute::isHidden},       {"GrayOut", &RegistryAttribute::isGrayOut},
+    {"WriteOnly", &RegistryAttribute::isWriteOnly},
 };
 
 constexpr Field<RegistryChoice, std::string> kChoiceTexts[] = {
@@ -146,11 +147,13 @@ public:
     bool string(string_t &value) override
     {
         if (std::string *const text = Text())
-            *text = std::move(value);
-        else if (WireValue *const wire = Value())
-            *wire = {WireKind::String, std::move(value)};
-        m_key.clear();
-        return true;
+        {
+            // Of its own size: the reader's has room for the longest one so far.
+            *text = value;
+            m_key.clear();
+            return true;
+        }
+        return Take(WireKind::String, value);
     }
     bool binary(binary_t & /*value*/) override { return true; }
 
@@ -242,10 +245,21 @@ private:
 
     bool Take(WireKind kind, std::string text)
     {
+        WireValue value = {kind, std::move(text)};
+        if (m_places.back() == Place::Attribute)
+            SetLimit(m_registry.attributes.back(), value);
         if (WireValue *const wire = Value())
-            *wire = {kind, std::move(text)};
+            *wire = std::move(value);
         m_key.clear();
         return true;
+    }
+
+    void SetLimit(RegistryAttribute &attribute, const WireValue &value) const
+    {
+        if (bool *const flag = MemberOf(attribute, kAttributeFlags, m_key))
+            *flag = value.IsTrue();
+        else if (std::optional<std::int64_t> *const number = MemberOf(attribute, kAttributeNumbers, m_key))
+            *number = value.Number();
     }
 
     Registry &m_registry;
@@ -254,7 +268,7 @@ private:
     std::size_t m_errorPosition = 0;
 };
 
-void KeepFirstOfName(std::vector<RegistryAttribute> &attributes)
+void KeepFirstOfName(std::deque<RegistryAttribute> &attributes)
 {
     std::unordered_set<std::string_view> names;
     names.reserve(attributes.size());

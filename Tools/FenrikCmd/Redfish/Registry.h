@@ -2,6 +2,7 @@
 
 #include "Resource.h"
 
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,17 +36,16 @@ struct RegistryAttribute
     std::string valueExpression;
     WireValue defaultValue;
     std::vector<RegistryChoice> choices;
-    WireValue lowerBound;
-    WireValue upperBound;
-    WireValue scalarIncrement;
-    WireValue minLength;
-    WireValue maxLength;
-    WireValue readOnly;
-    WireValue immutable;
-    WireValue hidden;
-    WireValue grayOut;
-    WireValue writeOnly;
-    WireValue resetRequired;
+    std::optional<std::int64_t> lowerBound;
+    std::optional<std::int64_t> upperBound;
+    std::optional<std::int64_t> scalarIncrement;
+    std::optional<std::int64_t> minLength;
+    std::optional<std::int64_t> maxLength;
+    bool isReadOnly = false;
+    bool isImmutable = false;
+    bool isHidden = false;
+    bool isGrayOut = false;
+    bool isWriteOnly = false;
 };
 
 struct RegistryMenu
@@ -77,7 +77,8 @@ struct RegistryDependency
 
 struct Registry
 {
-    std::vector<RegistryAttribute> attributes;
+    /// They stay where they are while more are read.
+    std::deque<RegistryAttribute> attributes;
     std::vector<RegistryMenu> menus;
     std::vector<RegistryDependency> dependencies;
 };

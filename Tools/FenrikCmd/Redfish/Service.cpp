@@ -138,7 +138,7 @@ Service::~Service()
         return;
     try
     {
-        m_connection.Send({HttpMethod::Delete, m_session, {}, {}, true, kFarewellSeconds});
+        m_connection.Send({HttpMethod::Delete, m_session, {}, {}, false, true, kFarewellSeconds});
     }
     catch (const std::exception &)
     {

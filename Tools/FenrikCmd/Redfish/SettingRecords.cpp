@@ -3,6 +3,7 @@
 #include "Number.h"
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -30,7 +31,7 @@ SettingKind KindOf(const RegistryAttribute &attribute)
     return attribute.type == "Integer" ? SettingKind::Numeric : SettingKind::Text;
 }
 
-std::vector<SettingChoice> ChoicesOf(RegistryAttribute &attribute, SettingKind kind)
+std::vector<SettingChoice> ChoicesOf(const RegistryAttribute &attribute, SettingKind kind)
 {
     if (kind == SettingKind::CheckBox)
         return {{"False", 0}, {"True", 1}};
@@ -42,8 +43,8 @@ std::vector<SettingChoice> ChoicesOf(RegistryAttribute &attribute, SettingKind k
                     { return !choice.displayName.empty() && names.insert(choice.displayName).second; });
     std::vector<SettingChoice> choices;
     choices.reserve(attribute.choices.size());
-    for (RegistryChoice &choice : attribute.choices)
-        choices.push_back({isClear ? std::move(choice.displayName) : choice.name, choices.size()});
+    for (const RegistryChoice &choice : attribute.choices)
+        choices.push_back({isClear ? choice.displayName : choice.name, choices.size()});
     return choices;
 }
 
@@ -59,9 +60,8 @@ std::string DumpValue(const RegistryAttribute &attribute, SettingKind kind, cons
     return number ? SignedText(*number) : value.text;
 }
 
-std::optional<std::uint64_t> Length(const WireValue &value)
+std::optional<std::uint64_t> Length(const std::optional<std::int64_t> &number)
 {
-    const std::optional<std::int64_t> number = value.Number();
     return number && *number >= 0 ? std::optional(static_cast<std::uint64_t>(*number)) : std::nullopt;
 }
 
@@ -70,8 +70,8 @@ SettingLimits LimitsOf(const RegistryAttribute &attribute, SettingKind kind)
     SettingLimits limits;
     if (kind == SettingKind::Numeric)
     {
-        limits.minimum = attribute.lowerBound.Number();
-        limits.maximum = attribute.upperBound.Number();
+        limits.minimum = attribute.lowerBound;
+        limits.maximum = attribute.upperBound;
         const std::optional<std::uint64_t> step = Length(attribute.scalarIncrement);
         // 0 says that every number will do, and so does 1.
         if (step && *step > 1)
@@ -108,7 +108,7 @@ std::string PageOf(const std::string &path, const MenuTitles &titles, const std:
     return page.empty() ? otherwise : page;
 }
 
-/// The attributes' pages, as numbers in the order of their first attributes, and the pages.
+/// The attributes' pages, as numbers in their order, and what they are called.
 struct Pages
 {
     std::vector<std::size_t> ofAttributes;
@@ -136,13 +136,19 @@ Pages FindPages(const MachineSettings &machine)
         }
         pages.ofAttributes.push_back(place->second);
     }
+    // The page of those that have none comes last: the settings beyond the registry's belong there, too.
+    if (const auto last = byTitle.find(machine.page); last != byTitle.end())
+    {
+        std::replace(pages.ofAttributes.begin(), pages.ofAttributes.end(), last->second, pages.titles.size());
+        pages.titles.push_back(machine.page);
+    }
     return pages;
 }
 
-std::string HelpOf(RegistryAttribute &attribute)
+std::string HelpOf(const RegistryAttribute &attribute)
 {
     if (attribute.warningText.empty())
-        return std::move(attribute.helpText);
+        return attribute.helpText;
     return attribute.helpText + (attribute.helpText.empty() ? "" : "\n") + attribute.warningText;
 }
 
@@ -164,19 +170,19 @@ void FillValues(const MachineSettings &machine, const RegistryAttribute &attribu
         setting.pendingValue = DumpValue(attribute, setting.kind, *waiting);
 }
 
-Setting MakeSetting(const MachineSettings &machine, RegistryAttribute &attribute)
+Setting MakeSetting(const MachineSettings &machine, const RegistryAttribute &attribute)
 {
     Setting setting;
     setting.kind = KindOf(attribute);
     setting.sourceKind = attribute.type;
     setting.name = attribute.name;
-    setting.prompt = attribute.displayName.empty() ? attribute.name : std::move(attribute.displayName);
+    setting.prompt = attribute.displayName.empty() ? attribute.name : attribute.displayName;
     setting.help = HelpOf(attribute);
     FillValues(machine, attribute, setting);
     setting.choices = ChoicesOf(attribute, setting.kind);
     setting.limits = LimitsOf(attribute, setting.kind);
     setting.isSigned = setting.kind == SettingKind::Numeric;
-    setting.isReadOnly = attribute.readOnly.IsTrue() || attribute.immutable.IsTrue();
+    setting.isReadOnly = attribute.isReadOnly || attribute.isImmutable;
     setting.size = setting.kind == SettingKind::Numeric ? kNumberBytes
                    : setting.kind == SettingKind::Text  ? 0
                                                         : kChoiceBytes;
@@ -245,57 +251,64 @@ std::optional<WireValue> LooseValueToSend(const WireValue *current, const std::s
     return WireValue{WireKind::String, value};
 }
 
-void FillConditions(const MachineSettings &machine, std::vector<Setting> &settings)
+SettingState StateOf(const Access &access, bool isReadOnly)
+{
+    if (access.isHidden)
+        return SettingState::Hidden;
+    // A read-only mark says more than a lock.
+    return access.isLocked && !isReadOnly ? SettingState::Locked : SettingState::Open;
+}
+
+/// Numbers of attributes, those of a page one behind the other; a page begins where its first attribute does.
+std::vector<std::size_t> PageByPage(const Pages &pages)
+{
+    std::vector<std::size_t> order(pages.ofAttributes.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right)
+                     { return pages.ofAttributes[left] < pages.ofAttributes[right]; });
+    return order;
+}
+
+bool ListKnown(const MachineSettings &machine, const Pages &pages, const SettingVisitor &visit)
 {
     const RegistryIndex index = IndexOf(machine.registry);
     const std::vector<Access> access =
         JudgeAccess(machine.registry, index, [&](std::string_view name) { return machine.bios.Find(name); });
     std::vector<std::string> texts = DependencyTexts(machine.registry, index);
-    for (std::size_t place = 0; place < access.size(); ++place)
+    for (const std::size_t place : PageByPage(pages))
     {
+        Setting setting = MakeSetting(machine, machine.registry.attributes[place]);
+        setting.page = pages.titles[pages.ofAttributes[place]];
+        setting.state = StateOf(access[place], setting.isReadOnly);
         if (!texts[place].empty())
-            settings[place].condition = std::move(texts[place]);
-        // A read-only mark says more than a lock.
-        if (access[place].isHidden)
-            settings[place].state = SettingState::Hidden;
-        else if (access[place].isLocked && !settings[place].isReadOnly)
-            settings[place].state = SettingState::Locked;
+            setting.condition = std::move(texts[place]);
+        if (!visit(setting))
+            return false;
     }
+    return true;
 }
 
 /// Those that the registry does not know.
-void AddLooseSettings(const MachineSettings &machine, std::vector<Setting> &settings)
+void ListLoose(const MachineSettings &machine, const SettingVisitor &visit)
 {
     const RegistryIndex index = IndexOf(machine.registry);
     for (const WireAttribute &attribute : machine.bios.attributes)
     {
         // Of several of one name the last one counts, and is found.
         const bool counts = machine.bios.Find(attribute.name) == &attribute.value;
-        if (counts && !attribute.name.empty() && !index.contains(attribute.name))
-            settings.push_back(MakeLooseSetting(machine, attribute));
+        if (!counts || attribute.name.empty() || index.contains(attribute.name))
+            continue;
+        Setting setting = MakeLooseSetting(machine, attribute);
+        if (!visit(setting))
+            return;
     }
-}
-
-std::vector<Setting> PageByPage(std::vector<Setting> settings)
-{
-    std::unordered_map<std::string_view, std::size_t> pages;
-    std::vector<std::pair<std::size_t, std::size_t>> order;
-    order.reserve(settings.size());
-    for (const Setting &setting : settings)
-        order.emplace_back(pages.emplace(setting.page, pages.size()).first->second, order.size());
-    std::sort(order.begin(), order.end());
-    std::vector<Setting> sorted;
-    sorted.reserve(settings.size());
-    for (const auto &[page, place] : order)
-        sorted.push_back(std::move(settings[place]));
-    return sorted;
 }
 
 } // namespace
 
 bool IsSecret(const RegistryAttribute &attribute)
 {
-    return attribute.type == "Password" || attribute.writeOnly.IsTrue();
+    return attribute.type == "Password" || attribute.isWriteOnly;
 }
 
 bool IsSameValue(const WireValue &left, const WireValue &right)
@@ -312,20 +325,24 @@ const WireValue *WaitingValue(const MachineSettings &machine, const std::string 
     return waits ? waiting : nullptr;
 }
 
-std::vector<Setting> MakeSettings(MachineSettings &machine)
+void ListSettings(const MachineSettings &machine, const SettingVisitor &visit)
 {
-    const Pages pages = FindPages(machine);
-    std::vector<RegistryAttribute> &attributes = machine.registry.attributes;
-    std::vector<Setting> settings;
-    settings.reserve(attributes.size() + machine.bios.attributes.size());
-    for (RegistryAttribute &attribute : attributes)
-    {
-        settings.push_back(MakeSetting(machine, attribute));
-        settings.back().page = pages.titles[pages.ofAttributes[settings.size() - 1]];
-    }
-    FillConditions(machine, settings);
-    AddLooseSettings(machine, settings);
-    return PageByPage(std::move(settings));
+    if (ListKnown(machine, FindPages(machine), visit))
+        ListLoose(machine, visit);
+}
+
+std::size_t CountWaiting(const MachineSettings &machine)
+{
+    const RegistryIndex index = IndexOf(machine.registry);
+    return static_cast<std::size_t>(std::count_if(
+        machine.waiting.attributes.begin(), machine.waiting.attributes.end(),
+        [&](const WireAttribute &attribute)
+        {
+            const auto known = index.find(attribute.name);
+            const bool isShown = known != index.end() ? !IsSecret(machine.registry.attributes[known->second])
+                                                      : machine.bios.Find(attribute.name) != nullptr;
+            return isShown && WaitingValue(machine, attribute.name) == &attribute.value;
+        }));
 }
 
 std::optional<WireValue> ValueToSend(const RegistryAttribute *attribute, const WireValue *current,
@@ -379,7 +396,7 @@ Json PatchBody(const MachineSettings &machine, const WireValues &wanted)
     for (const WireAttribute &attribute : machine.waiting.attributes)
     {
         const auto known = index.find(attribute.name);
-        const bool isReadOnly = known != index.end() && machine.registry.attributes[known->second].readOnly.IsTrue();
+        const bool isReadOnly = known != index.end() && machine.registry.attributes[known->second].isReadOnly;
         if (!isReadOnly && WaitingValue(machine, attribute.name))
             attributes[attribute.name] = ToJson(attribute.value);
     }

@@ -3,12 +3,12 @@
 #include "Dependencies.h"
 #include "Registry.h"
 #include "Resource.h"
-#include "Setting.h"
+#include "SettingsSource.h"
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace Redfish
 {
@@ -32,11 +32,13 @@ const WireValue *WaitingValue(const MachineSettings &machine, const std::string 
 /// Whether two values are one to the machine: numbers also when one of them comes as a string.
 bool IsSameValue(const WireValue &left, const WireValue &right);
 
-/// The settings of a machine as records: those of the registry, the pages in the order of their first settings, then
-/// those that the machine has beyond, as texts. A choice has its place among the attribute's choices as its number;
-/// false and true have 0 and 1. A password has no value. Texts are moved out of `machine.registry` where nobody needs
-/// them to program. Pure.
-std::vector<Setting> MakeSettings(MachineSettings &machine);
+/// Hands the settings of a machine to `visit` until it returns false: those of the registry, the pages in the order of
+/// their first settings, then those that the machine has beyond, as texts. A choice has its place among the attribute's
+/// choices as its number; false and true have 0 and 1. A password has no value.
+void ListSettings(const MachineSettings &machine, const SettingVisitor &visit);
+
+/// How many of them have a value that waits.
+std::size_t CountWaiting(const MachineSettings &machine);
 
 /// The value to be sent that means `value`, one of a dump, to the attribute: of the kind that the registry tells, a
 /// number as a string where the current value comes as one. `attribute` is null where the registry does not know it;

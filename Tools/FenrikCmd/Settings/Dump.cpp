@@ -1,9 +1,9 @@
 #include "Dump.h"
 
 #include "Number.h"
+#include "Utf8.h"
 
 #include <algorithm>
-#include <libxml/parserInternals.h>
 #include <libxml/xmlwriter.h>
 #include <memory>
 
@@ -16,8 +16,6 @@ struct KindNames
     const char *setupType;
 };
 
-constexpr std::size_t kLongestCharacter = 4;
-
 /// In the order of SettingKind.
 constexpr KindNames kKindNames[] = {
     {"scalar", "oneof"}, {"scalar", "checkbox"}, {"scalar", "numeric"}, {"string", "text"}};
@@ -25,28 +23,6 @@ constexpr KindNames kKindNames[] = {
 const xmlChar *XmlText(const char *text)
 {
     return reinterpret_cast<const xmlChar *>(text);
-}
-
-/// Whether XML can hold `text` as it is, all of it printable ASCII.
-bool IsFit(const std::string &text)
-{
-    return std::all_of(text.begin(), text.end(), [](char character) { return character >= ' ' && character <= '~'; });
-}
-
-/// `text` with U+FFFD in the place of whatever XML cannot hold.
-std::string Fitting(const std::string &text)
-{
-    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-    std::string fitting;
-    for (std::size_t at = 0; at < text.size();)
-    {
-        int length = static_cast<int>(std::min(text.size() - at, kLongestCharacter));
-        const int character = xmlGetUTF8Char(XmlText(text.c_str() + at), &length);
-        const bool isFit = character >= 0 && IS_CHAR(static_cast<unsigned>(character)) && character != '\r';
-        fitting += isFit ? std::string_view(text).substr(at, static_cast<std::size_t>(length)) : kReplacement;
-        at += isFit ? static_cast<std::size_t>(length) : 1;
-    }
-    return fitting;
 }
 
 int PassToSink(void *sink, const char *piece, int length)
@@ -88,12 +64,12 @@ public:
 
     void Attribute(const char *name, const std::string &value)
     {
-        Attribute(name, IsFit(value) ? value.c_str() : Fitting(value).c_str());
+        Attribute(name, IsPlainText(value) ? value.c_str() : FittingText(value).c_str());
     }
 
     void Comment(const std::string &text)
     {
-        std::string fitting = Fitting(" " + text + " ");
+        std::string fitting = FittingText(" " + text + " ");
         // A comment must not hold "--".
         for (std::size_t at = 0; (at = fitting.find("--", at)) != std::string::npos; ++at)
             fitting.insert(++at, 1, ' ');
