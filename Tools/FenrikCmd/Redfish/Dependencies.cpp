@@ -93,8 +93,8 @@ std::optional<bool> Compare(const Comparison &comparison, const WireValue &left,
 class Judge
 {
 public:
-    Judge(const Registry &registry, const RegistryIndex &index, const CurrentValues &current)
-        : m_registry(registry), m_index(index), m_current(current), m_mayHide(registry.attributes.size())
+    Judge(const Registry &registry, const CurrentValues &current)
+        : m_registry(registry), m_current(current), m_mayHide(registry.attributes.size())
     {
         m_flags.resize(registry.attributes.size() * kFlagCount);
         for (std::size_t place = 0; place < m_flags.size(); ++place)
@@ -104,13 +104,13 @@ public:
     void Take(const RegistryDependency &dependency)
     {
         const Flag *const flag = FindFlag(dependency.property);
-        const auto target = m_index.find(dependency.attribute);
-        if (!flag || target == m_index.end() || dependency.value.kind != WireKind::Boolean)
+        const std::optional<std::size_t> target = m_registry.PlaceOf(dependency.attribute);
+        if (!flag || !target || dependency.value.kind != WireKind::Boolean)
             return;
         if (flag == kFlags)
-            m_mayHide[target->second] = true;
+            m_mayHide[*target] = true;
         if (Holds(dependency) == true)
-            m_flags[target->second * kFlagCount + PlaceOf(flag)] = dependency.value.IsTrue();
+            m_flags[*target * kFlagCount + PlaceOf(flag)] = dependency.value.IsTrue();
     }
 
     Access AccessOf(std::size_t attribute) const
@@ -124,17 +124,17 @@ private:
 
     WireValue ValueOf(const RegistryCondition &condition) const
     {
-        const auto found = m_index.find(condition.attribute);
         if (condition.property.empty() || condition.property == kCurrentValue)
         {
             const WireValue *const value = m_current(condition.attribute);
             return value ? *value : WireValue();
         }
-        if (found == m_index.end())
+        const std::optional<std::size_t> place = m_registry.PlaceOf(condition.attribute);
+        if (!place)
             return {};
         if (const Flag *const flag = FindFlag(condition.property))
-            return {WireKind::Boolean, m_flags[found->second * kFlagCount + PlaceOf(flag)] ? "true" : "false"};
-        const RegistryAttribute &attribute = m_registry.attributes[found->second];
+            return {WireKind::Boolean, m_flags[*place * kFlagCount + PlaceOf(flag)] ? "true" : "false"};
+        const RegistryAttribute &attribute = m_registry.attributes[*place];
         if (condition.property == "DefaultValue")
             return attribute.defaultValue;
         const auto *const property = std::find_if(std::begin(kProperties), std::end(kProperties), [&](const Property &known)
@@ -169,7 +169,6 @@ private:
     }
 
     const Registry &m_registry;
-    const RegistryIndex &m_index;
     const CurrentValues &m_current;
     /// Of every attribute those of kFlags.
     std::vector<bool> m_flags;
@@ -189,26 +188,20 @@ std::string ValueText(const RegistryAttribute *attribute, const WireValue &value
     return value.kind == WireKind::String ? '"' + value.text + '"' : value.HasText() ? value.text : "none";
 }
 
-const RegistryAttribute *FindAttribute(const Registry &registry, const RegistryIndex &index, std::string_view name)
-{
-    const auto found = index.find(name);
-    return found == index.end() ? nullptr : &registry.attributes[found->second];
-}
-
-std::string ConditionText(const Registry &registry, const RegistryIndex &index, const RegistryCondition &condition)
+std::string ConditionText(const Registry &registry, const RegistryCondition &condition)
 {
     const bool isOfValue = condition.property.empty() || condition.property == kCurrentValue;
-    const RegistryAttribute *const attribute = FindAttribute(registry, index, condition.attribute);
+    const RegistryAttribute *const attribute = registry.Find(condition.attribute);
     const Comparison *const comparison = FindComparison(condition.comparison);
     return condition.attribute + (isOfValue ? "" : '.' + condition.property) + ' ' +
            (comparison ? std::string(comparison->sign) : condition.comparison) + ' ' +
            ValueText(isOfValue ? attribute : nullptr, condition.value);
 }
 
-std::string DependencyText(const Registry &registry, const RegistryIndex &index, const RegistryDependency &dependency)
+std::string DependencyText(const Registry &registry, const RegistryDependency &dependency)
 {
     const Flag *const flag = FindFlag(dependency.property);
-    const RegistryAttribute *const target = FindAttribute(registry, index, dependency.attribute);
+    const RegistryAttribute *const target = registry.Find(dependency.attribute);
     const bool isFlag = flag && dependency.value.kind == WireKind::Boolean;
     std::string text = isFlag ? (dependency.value.IsTrue() ? flag->onText : flag->offText)
                               : dependency.property + " = " + ValueText(target, dependency.value) + " If";
@@ -217,16 +210,16 @@ std::string DependencyText(const Registry &registry, const RegistryIndex &index,
     {
         if (&condition != &dependency.conditions.front())
             text += condition.terms == "OR" ? " or " : " and ";
-        text += ConditionText(registry, index, condition);
+        text += ConditionText(registry, condition);
     }
     return text + ')';
 }
 
 } // namespace
 
-std::vector<Access> JudgeAccess(const Registry &registry, const RegistryIndex &index, const CurrentValues &current)
+std::vector<Access> JudgeAccess(const Registry &registry, const CurrentValues &current)
 {
-    Judge judge(registry, index, current);
+    Judge judge(registry, current);
     for (const RegistryDependency &dependency : registry.dependencies)
         judge.Take(dependency);
     std::vector<Access> access;
@@ -236,16 +229,16 @@ std::vector<Access> JudgeAccess(const Registry &registry, const RegistryIndex &i
     return access;
 }
 
-std::vector<std::string> DependencyTexts(const Registry &registry, const RegistryIndex &index)
+std::vector<std::string> DependencyTexts(const Registry &registry)
 {
     std::vector<std::string> texts(registry.attributes.size());
     for (const RegistryDependency &dependency : registry.dependencies)
     {
-        const auto target = index.find(dependency.attribute);
-        if (target == index.end() || dependency.conditions.empty())
+        const std::optional<std::size_t> target = registry.PlaceOf(dependency.attribute);
+        if (!target || dependency.conditions.empty())
             continue;
-        std::string &text = texts[target->second];
-        text += (text.empty() ? "" : "; ") + DependencyText(registry, index, dependency);
+        std::string &text = texts[*target];
+        text += (text.empty() ? "" : "; ") + DependencyText(registry, dependency);
     }
     return texts;
 }

@@ -150,22 +150,20 @@ const WireValue *ValueAfterRestart(const MachineSettings &settings, const std::s
     return waiting && waiting->HasText() ? waiting : settings.bios.Find(name);
 }
 
-bool CanBeReadBack(const Machine &machine, const RegistryIndex &index, const std::string &name)
+bool CanBeReadBack(const Machine &machine, const std::string &name)
 {
-    const auto found = index.find(name);
-    return machine.tellsWaiting &&
-           (found == index.end() || !IsSecret(machine.settings.registry.attributes[found->second]));
+    const RegistryAttribute *const known = machine.settings.registry.Find(name);
+    return machine.tellsWaiting && !(known && IsSecret(*known));
 }
 
 /// Which settings that can be read back are not as `expected` says.
 std::vector<std::string> NotAs(const Machine &machine, const WireValues &expected)
 {
-    const RegistryIndex index = IndexOf(machine.settings.registry);
     std::vector<std::string> names;
     for (const auto &[name, value] : expected)
     {
         const WireValue *const found = ValueAfterRestart(machine.settings, name);
-        if (CanBeReadBack(machine, index, name) && !(found && IsSameValue(*found, value)))
+        if (CanBeReadBack(machine, name) && !(found && IsSameValue(*found, value)))
             names.push_back(name);
     }
     return names;
@@ -174,12 +172,11 @@ std::vector<std::string> NotAs(const Machine &machine, const WireValues &expecte
 /// What the settings named in `wanted` have now, to be put back.
 WireValues ValuesBefore(const Machine &machine, const WireValues &wanted)
 {
-    const RegistryIndex index = IndexOf(machine.settings.registry);
     WireValues before;
     for (const auto &[name, value] : wanted)
     {
         const WireValue *const found = ValueAfterRestart(machine.settings, name);
-        if (found && found->HasText() && CanBeReadBack(machine, index, name))
+        if (found && found->HasText() && CanBeReadBack(machine, name))
             before.emplace(name, *found);
     }
     return before;

@@ -129,13 +129,11 @@ void RedfishSource::List(const SettingVisitor &visit)
 WireValues RedfishSource::ValuesOf(const std::vector<Assignment> &assignments)
 {
     const Registry &registry = m_machine.settings.registry;
-    const RegistryIndex index = IndexOf(registry);
     WireValues wanted;
     for (const Assignment &assignment : assignments)
     {
         const std::string &name = assignment.setting.name;
-        const auto place = index.find(name);
-        const RegistryAttribute *const attribute = place == index.end() ? nullptr : &registry.attributes[place->second];
+        const RegistryAttribute *const attribute = registry.Find(name);
         if (attribute && IsSecret(*attribute))
             m_service.Connection().Hidden().Add(assignment.value);
         std::optional<WireValue> value = ValueToSend(attribute, m_machine.settings.bios.Find(name), assignment.value);

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <unordered_set>
 
 namespace Redfish
 {
@@ -268,17 +267,21 @@ private:
     std::size_t m_errorPosition = 0;
 };
 
-void KeepFirstOfName(std::deque<RegistryAttribute> &attributes)
+/// Keeps the first attribute of each name and finds their places.
+void KeepFirstOfName(Registry &registry)
 {
-    std::unordered_set<std::string_view> names;
-    names.reserve(attributes.size());
-    std::vector<bool> isKept;
-    isKept.reserve(attributes.size());
-    for (const RegistryAttribute &attribute : attributes)
-        isKept.push_back(!attribute.name.empty() && names.insert(attribute.name).second);
-    std::size_t position = 0;
-    const auto isRepeated = [&](const RegistryAttribute &) { return !isKept[position++]; };
-    attributes.erase(std::remove_if(attributes.begin(), attributes.end(), isRepeated), attributes.end());
+    registry.places.reserve(registry.attributes.size());
+    std::size_t kept = 0;
+    for (RegistryAttribute &attribute : registry.attributes)
+    {
+        if (attribute.name.empty() || registry.places.contains(attribute.name))
+            continue;
+        RegistryAttribute &place = registry.attributes[kept];
+        if (&place != &attribute)
+            place = std::move(attribute);
+        registry.places.emplace(place.name, kept++);
+    }
+    registry.attributes.resize(kept);
 }
 
 } // namespace
@@ -292,17 +295,8 @@ bool ReadRegistry(std::string_view text, Registry &registry, std::string &proble
         problem = NotJson(reader.ErrorPosition());
         return false;
     }
-    KeepFirstOfName(registry.attributes);
+    KeepFirstOfName(registry);
     return true;
-}
-
-RegistryIndex IndexOf(const Registry &registry)
-{
-    RegistryIndex index;
-    index.reserve(registry.attributes.size());
-    for (std::size_t position = 0; position < registry.attributes.size(); ++position)
-        index.emplace(registry.attributes[position].name, position);
-    return index;
 }
 
 } // namespace Redfish

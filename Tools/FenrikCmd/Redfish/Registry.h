@@ -75,21 +75,37 @@ struct RegistryDependency
     std::vector<RegistryCondition> conditions;
 };
 
+/// Not copied; moving it keeps the attributes where they are.
 struct Registry
 {
-    /// They stay where they are while more are read.
+    Registry() = default;
+    Registry(Registry &&) = default;
+    Registry &operator=(Registry &&) = default;
+
+    /// Where the attribute is among the others; nothing where there is none of that name.
+    std::optional<std::size_t> PlaceOf(std::string_view name) const
+    {
+        const auto found = places.find(name);
+        return found == places.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    /// The attribute of that name, or null.
+    const RegistryAttribute *Find(std::string_view name) const
+    {
+        const std::optional<std::size_t> place = PlaceOf(name);
+        return place ? &attributes[*place] : nullptr;
+    }
+
     std::deque<RegistryAttribute> attributes;
     std::vector<RegistryMenu> menus;
     std::vector<RegistryDependency> dependencies;
+    /// Of the attributes, by their names; views into them.
+    std::unordered_map<std::string_view, std::size_t> places;
 };
 
 /// Reads a registry, an attribute without a name left out and of several of one name the first one kept. False, with
 /// `problem` as the end of a sentence, where the text is not JSON. nlohmann/json hands over piece by piece; no tree is
 /// made.
 bool ReadRegistry(std::string_view text, Registry &registry, std::string &problem);
-
-/// Positions of a registry's attributes by their names; lives no longer than the registry.
-using RegistryIndex = std::unordered_map<std::string_view, std::size_t>;
-RegistryIndex IndexOf(const Registry &registry);
 
 } // namespace Redfish

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <numeric>
 
 namespace Redfish
 {
@@ -148,20 +147,16 @@ std::optional<std::int64_t> WireValue::Number() const
 
 void AttributeResource::MakeIndex()
 {
-    m_byName.resize(attributes.size());
-    std::iota(m_byName.begin(), m_byName.end(), 0U);
-    std::stable_sort(m_byName.begin(), m_byName.end(), [this](std::uint32_t left, std::uint32_t right)
-                     { return attributes[left].name < attributes[right].name; });
+    m_byName.clear();
+    m_byName.reserve(attributes.size());
+    for (const WireAttribute &attribute : attributes)
+        m_byName.insert_or_assign(attribute.name, &attribute.value);
 }
 
 const WireValue *AttributeResource::Find(std::string_view name) const
 {
-    const auto behind = std::upper_bound(m_byName.begin(), m_byName.end(), name,
-                                         [this](std::string_view wanted, std::uint32_t position)
-                                         { return wanted < attributes[position].name; });
-    if (behind == m_byName.begin() || attributes[*std::prev(behind)].name != name)
-        return nullptr;
-    return &attributes[*std::prev(behind)].value;
+    const auto found = m_byName.find(name);
+    return found == m_byName.end() ? nullptr : found->second;
 }
 
 std::string NotJson(std::size_t position)

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace Redfish
@@ -56,9 +57,14 @@ struct WireAttribute
     WireValue value;
 };
 
-/// A resource with settings: the current ones, or those that wait.
+/// A resource with settings: the current ones, or those that wait. Not copied; moving it keeps the attributes where
+/// they are.
 struct AttributeResource
 {
+    AttributeResource() = default;
+    AttributeResource(AttributeResource &&) = default;
+    AttributeResource &operator=(AttributeResource &&) = default;
+
     /// The member Attributes in its own order; a name that is there twice counts once, with the last value.
     std::vector<WireAttribute> attributes;
     bool hasAttributes = false;
@@ -71,8 +77,8 @@ struct AttributeResource
     void MakeIndex();
 
 private:
-    /// Positions by name.
-    std::vector<std::uint32_t> m_byName;
+    /// The names are views into the attributes.
+    std::unordered_map<std::string_view, const WireValue *> m_byName;
 };
 
 /// Reads a resource with settings. False, with `problem` as the end of a sentence, where the text is not JSON or no

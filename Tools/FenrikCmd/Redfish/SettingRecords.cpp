@@ -271,10 +271,9 @@ std::vector<std::size_t> PageByPage(const Pages &pages)
 
 bool ListKnown(const MachineSettings &machine, const Pages &pages, const SettingVisitor &visit)
 {
-    const RegistryIndex index = IndexOf(machine.registry);
     const std::vector<Access> access =
-        JudgeAccess(machine.registry, index, [&](std::string_view name) { return machine.bios.Find(name); });
-    std::vector<std::string> texts = DependencyTexts(machine.registry, index);
+        JudgeAccess(machine.registry, [&](std::string_view name) { return machine.bios.Find(name); });
+    std::vector<std::string> texts = DependencyTexts(machine.registry);
     for (const std::size_t place : PageByPage(pages))
     {
         Setting setting = MakeSetting(machine, machine.registry.attributes[place]);
@@ -291,12 +290,11 @@ bool ListKnown(const MachineSettings &machine, const Pages &pages, const Setting
 /// Those that the registry does not know.
 void ListLoose(const MachineSettings &machine, const SettingVisitor &visit)
 {
-    const RegistryIndex index = IndexOf(machine.registry);
     for (const WireAttribute &attribute : machine.bios.attributes)
     {
         // Of several of one name the last one counts, and is found.
         const bool counts = machine.bios.Find(attribute.name) == &attribute.value;
-        if (!counts || attribute.name.empty() || index.contains(attribute.name))
+        if (!counts || attribute.name.empty() || machine.registry.Find(attribute.name))
             continue;
         Setting setting = MakeLooseSetting(machine, attribute);
         if (!visit(setting))
@@ -333,14 +331,12 @@ void ListSettings(const MachineSettings &machine, const SettingVisitor &visit)
 
 std::size_t CountWaiting(const MachineSettings &machine)
 {
-    const RegistryIndex index = IndexOf(machine.registry);
     return static_cast<std::size_t>(std::count_if(
         machine.waiting.attributes.begin(), machine.waiting.attributes.end(),
         [&](const WireAttribute &attribute)
         {
-            const auto known = index.find(attribute.name);
-            const bool isShown = known != index.end() ? !IsSecret(machine.registry.attributes[known->second])
-                                                      : machine.bios.Find(attribute.name) != nullptr;
+            const RegistryAttribute *const known = machine.registry.Find(attribute.name);
+            const bool isShown = known ? !IsSecret(*known) : machine.bios.Find(attribute.name) != nullptr;
             return isShown && WaitingValue(machine, attribute.name) == &attribute.value;
         }));
 }
@@ -366,7 +362,6 @@ std::optional<WireValue> ValueToSend(const RegistryAttribute *attribute, const W
 
 std::string FirstBarred(const MachineSettings &machine, const WireValues &wanted)
 {
-    const RegistryIndex index = IndexOf(machine.registry);
     const auto later = [&](std::string_view name)
     {
         const auto assigned = wanted.find(std::string(name));
@@ -375,14 +370,14 @@ std::string FirstBarred(const MachineSettings &machine, const WireValues &wanted
         const WireValue *const waiting = machine.waiting.Find(name);
         return waiting && waiting->HasText() ? waiting : machine.bios.Find(name);
     };
-    const std::vector<Access> access = JudgeAccess(machine.registry, index, later);
+    const std::vector<Access> access = JudgeAccess(machine.registry, later);
     for (const auto &[name, value] : wanted)
     {
-        const auto place = index.find(name);
-        if (place == index.end())
+        const std::optional<std::size_t> place = machine.registry.PlaceOf(name);
+        if (!place)
             continue;
         const WireValue *const current = machine.bios.Find(name);
-        const bool isBarred = access[place->second].isLocked || access[place->second].isHidden;
+        const bool isBarred = access[*place].isLocked || access[*place].isHidden;
         if (isBarred && !(current && IsSameValue(*current, value)))
             return name;
     }
@@ -391,13 +386,11 @@ std::string FirstBarred(const MachineSettings &machine, const WireValues &wanted
 
 Json PatchBody(const MachineSettings &machine, const WireValues &wanted)
 {
-    const RegistryIndex index = IndexOf(machine.registry);
     Json attributes = Json::object();
     for (const WireAttribute &attribute : machine.waiting.attributes)
     {
-        const auto known = index.find(attribute.name);
-        const bool isReadOnly = known != index.end() && machine.registry.attributes[known->second].isReadOnly;
-        if (!isReadOnly && WaitingValue(machine, attribute.name))
+        const RegistryAttribute *const known = machine.registry.Find(attribute.name);
+        if (!(known && known->isReadOnly) && WaitingValue(machine, attribute.name))
             attributes[attribute.name] = ToJson(attribute.value);
     }
     for (const auto &[name, value] : wanted)

@@ -4,8 +4,8 @@
 #include "Utf8.h"
 
 #include <algorithm>
-#include <libxml/xmlwriter.h>
-#include <memory>
+#include <string_view>
+#include <vector>
 
 namespace
 {
@@ -20,51 +20,69 @@ struct KindNames
 constexpr KindNames kKindNames[] = {
     {"scalar", "oneof"}, {"scalar", "checkbox"}, {"scalar", "numeric"}, {"string", "text"}};
 
-const xmlChar *XmlText(const char *text)
+/// What a character of an attribute's value is written as; null for one that stands for itself.
+const char *Escaped(char character)
 {
-    return reinterpret_cast<const xmlChar *>(text);
+    switch (character)
+    {
+    case '"':
+        return "&quot;";
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '\t':
+        return "&#9;";
+    case '\n':
+        return "&#10;";
+    case '\r':
+        return "&#13;";
+    default:
+        return nullptr;
+    }
 }
 
-int PassToSink(void *sink, const char *piece, int length)
-{
-    try
-    {
-        return (*static_cast<const DumpSink *>(sink))({piece, static_cast<std::size_t>(length)}) ? length : -1;
-    }
-    catch (const std::exception &)
-    {
-        return -1;
-    }
-}
-
-/// An XML document going out to a sink. Failures are kept until Finish.
+/// An XML document going out to a sink, each element on a line of its own. A refusal of the sink is kept until Finish.
 class XmlDocument
 {
 public:
-    explicit XmlDocument(const DumpSink &sink)
+    explicit XmlDocument(const DumpSink &sink) : m_sink(sink)
     {
-        xmlOutputBufferPtr const buffer =
-            xmlOutputBufferCreateIO(PassToSink, nullptr, const_cast<DumpSink *>(&sink), nullptr);
-        m_writer.reset(buffer ? xmlNewTextWriter(buffer) : nullptr);
-        if (!m_writer)
-            throw std::bad_alloc();
-        Note(xmlTextWriterSetIndent(m_writer.get(), 1));
-        Note(xmlTextWriterSetIndentString(m_writer.get(), XmlText("\t")));
-        Note(xmlTextWriterStartDocument(m_writer.get(), nullptr, "UTF-8", nullptr));
+        m_text.reserve(2 * kPieceSize);
+        m_text += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     }
 
-    void Start(const char *element) { Note(xmlTextWriterStartElement(m_writer.get(), XmlText(element))); }
-
-    void End() { Note(xmlTextWriterEndElement(m_writer.get())); }
-
-    void Attribute(const char *name, const char *value)
+    void Start(const char *element)
     {
-        Note(xmlTextWriterWriteAttribute(m_writer.get(), XmlText(name), XmlText(value)));
+        CloseTag();
+        Indent();
+        m_text.append(1, '<').append(element);
+        m_elements.push_back(element);
+        m_isTagOpen = true;
+    }
+
+    void End()
+    {
+        const char *const element = m_elements.back();
+        m_elements.pop_back();
+        if (!m_isTagOpen)
+            Indent();
+        m_isTagOpen ? m_text.append("/>\n") : m_text.append("</").append(element).append(">\n");
+        m_isTagOpen = false;
+        if (m_text.size() >= kPieceSize)
+            HandOver();
     }
 
     void Attribute(const char *name, const std::string &value)
     {
-        Attribute(name, IsPlainText(value) ? value.c_str() : FittingText(value).c_str());
+        m_text.append(1, ' ').append(name).append("=\"");
+        if (IsPlainText(value))
+            AppendEscaped(value);
+        else
+            AppendEscaped(FittingText(value));
+        m_text += '"';
     }
 
     void Comment(const std::string &text)
@@ -73,28 +91,61 @@ public:
         // A comment must not hold "--".
         for (std::size_t at = 0; (at = fitting.find("--", at)) != std::string::npos; ++at)
             fitting.insert(++at, 1, ' ');
-        Note(xmlTextWriterWriteComment(m_writer.get(), XmlText(fitting.c_str())));
+        CloseTag();
+        Indent();
+        m_text.append("<!--").append(fitting).append("-->\n");
     }
 
     bool IsSound() const { return m_sound; }
 
-    /// Closes what is open; false when anything has failed since the start.
+    /// Closes what is open; false when the sink has refused anything since the start.
     bool Finish()
     {
-        Note(xmlTextWriterEndDocument(m_writer.get()));
-        Note(xmlTextWriterFlush(m_writer.get()));
+        while (!m_elements.empty())
+            End();
+        HandOver();
         return m_sound;
     }
 
 private:
-    struct FreeWriter
+    static constexpr std::size_t kPieceSize = std::size_t{64} << 10;
+
+    void CloseTag()
     {
-        void operator()(xmlTextWriterPtr writer) const { xmlFreeTextWriter(writer); }
-    };
+        if (m_isTagOpen)
+            m_text += ">\n";
+        m_isTagOpen = false;
+    }
 
-    void Note(int result) { m_sound = m_sound && result >= 0; }
+    void Indent() { m_text.append(m_elements.size(), '\t'); }
 
-    std::unique_ptr<xmlTextWriter, FreeWriter> m_writer;
+    void AppendEscaped(std::string_view value)
+    {
+        std::size_t start = 0;
+        for (std::size_t place = 0; place < value.size(); ++place)
+        {
+            const char *const escaped = Escaped(value[place]);
+            if (!escaped)
+                continue;
+            m_text.append(value, start, place - start).append(escaped);
+            start = place + 1;
+        }
+        m_text.append(value, start);
+    }
+
+    void HandOver()
+    {
+        m_sound = m_sound && m_sink(m_text);
+        m_text.clear();
+    }
+
+    const DumpSink &m_sink;
+    /// What has not been handed over yet.
+    std::string m_text;
+    /// Those that are open, outermost first.
+    std::vector<const char *> m_elements;
+    /// Whether the last one's tag still takes attributes.
+    bool m_isTagOpen = false;
     bool m_sound = true;
 };
 
