@@ -13,8 +13,8 @@ using DumpSink = std::function<bool(std::string_view piece)>;
 /// `count` is then anything, else the number of settings. Throws what the source throws. Ill-formed UTF-8 and
 /// characters that XML cannot hold become U+FFFD. libxml2's xmlTextWriter does the work.
 ///
-/// What a source says beyond the attributes that every knob has stands in further ones: `kind`, `min`, `max`, `step`,
-/// `minLength`, `maxLength`, `readOnly`, `state` ("locked", "hidden") and `unreadable`, the reason why there is no
-/// current value; `default` is missing where there is none. The element `biosknobs` has `pending`, the number of
+/// What a source says beyond the attributes that every knob has stands in further ones: `kind`, `signed`, `min`, `max`,
+/// `step`, `minLength`, `maxLength`, `readOnly`, `state` ("locked", "hidden") and `unreadable`, the reason why there is
+/// no current value; `default` is missing where there is none. The element `biosknobs` has `pending`, the number of
 /// settings that wait, where the source knows it, and `valuesNeedRights="TRUE"` where it says so.
 bool WriteDump(SettingsSource &source, const char *rootName, const DumpSink &sink, std::size_t &count);
