@@ -153,6 +153,20 @@ bool RestrictToOwner(std::FILE *stream);
 /// Whether nobody but its owner may read or write the file open as `stream`. POSIX: fstat. Windows: always.
 bool IsRestrictedToOwner(std::FILE *stream);
 
+/// While it lives, the files that this process and its children make are for their owner alone. POSIX: umask. Windows:
+/// nothing to do.
+class FilesForOwnerOnly
+{
+public:
+    FilesForOwnerOnly();
+    ~FilesForOwnerOnly();
+    FilesForOwnerOnly(const FilesForOwnerOnly &) = delete;
+    FilesForOwnerOnly &operator=(const FilesForOwnerOnly &) = delete;
+
+private:
+    unsigned m_before;
+};
+
 /// Has everything that was written to `stream` stored on the disk; false when that fails. A stream that has no disk
 /// behind it counts as stored. Windows: FlushFileBuffers. POSIX: fsync.
 bool SyncStream(std::FILE *stream);

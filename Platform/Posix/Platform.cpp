@@ -223,6 +223,13 @@ StreamOwner CreateStream(const std::string &path, FileAccess access)
     return stream;
 }
 
+FilesForOwnerOnly::FilesForOwnerOnly() : m_before(umask(kOfOthers)) {}
+
+FilesForOwnerOnly::~FilesForOwnerOnly()
+{
+    umask(m_before);
+}
+
 bool SyncStream(std::FILE *stream)
 {
     return std::fflush(stream) == 0 && (fsync(fileno(stream)) == 0 || errno == EINVAL || errno == ENOTSUP);

@@ -257,6 +257,13 @@ StreamOwner CreateStream(const std::string &path, FileAccess /*access*/)
     return stream;
 }
 
+FilesForOwnerOnly::FilesForOwnerOnly() : m_before(0) {}
+
+FilesForOwnerOnly::~FilesForOwnerOnly()
+{
+    static_cast<void>(m_before);
+}
+
 bool SyncStream(std::FILE *stream)
 {
     const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));

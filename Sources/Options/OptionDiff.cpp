@@ -30,7 +30,8 @@ std::vector<OptionChange> Diff(const OptionTable &before, const OptionTable &aft
         const BiosOption *const other = after.Find(option.name);
         if (!other)
             changes.push_back({ChangeKind::Removed, option, &option, nullptr});
-        else if (!IsSameValue(*other, option.currentValue, other->currentValue))
+        else if (option.unreadable.empty() && other->unreadable.empty() &&
+                 !IsSameValue(*other, option.currentValue, other->currentValue))
             changes.push_back({ChangeKind::Changed, *other, &option, other});
     }
     for (const BiosOption &option : after.Options())

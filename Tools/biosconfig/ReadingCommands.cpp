@@ -49,9 +49,12 @@ void ListAsCsv(const std::vector<const BiosOption *> &options, Output &output)
     output.Add("Name,Value,Prompt,Page,Default,Changed\n");
     for (const BiosOption *const option : options)
     {
-        const std::string cells[] = {
-            std::string(option->name), ValueText(*option, option->currentValue), std::string(option->prompt),
-            std::string(option->page), ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
+        const std::string cells[] = {std::string(option->name),
+                                     CurrentText(*option),
+                                     std::string(option->prompt),
+                                     std::string(option->page),
+                                     ValueText(*option, option->defaultValue),
+                                     option->isChanged ? "yes" : "no"};
         std::string line;
         for (const std::string &cell : cells)
             line.append(line.empty() ? "" : ",").append(CsvCell(cell));
@@ -77,7 +80,7 @@ void ListAsTable(const std::vector<const BiosOption *> &options, Output &output)
     TextTable table({{"NAME", 20}, {"VALUE", 10}, {"PROMPT", 16}, {"PAGE", 10}});
     for (const BiosOption *const option : options)
         table.AddRow({{std::string(option->name), Look::Name},
-                      {ValueText(*option, option->currentValue), LookOfValue(*option)},
+                      {CurrentText(*option), LookOfValue(*option)},
                       {std::string(option->prompt)},
                       {std::string(option->page), Look::Faint}});
     output.Add(table.Text(output.Reader()));
@@ -111,13 +114,16 @@ public:
         for (const std::string &line : Wrap(m_option.help, m_columns - 2))
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
-        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(), LookOfValue(m_option));
-        if (m_option.kind == OptionKind::Text || !m_option.defaultValue.empty())
+        if (m_option.unreadable.empty())
+            AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(), LookOfValue(m_option));
+        else
+            AddField("Value", "(unreadable: " + std::string(m_option.unreadable) + ")", Look::Bad);
+        if (m_option.hasDefault)
             AddField("Default", DetailedValue(m_option, m_option.defaultValue));
         if (m_option.pendingValue)
             AddField("Pending", DetailedValue(m_option, *m_option.pendingValue) + ", from the next restart on",
                      Look::Warning);
-        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText());
+        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText() + LimitsText());
         AddField("Page", std::string(m_option.page));
         AddField("Condition", ConditionText());
         AddChoices();
@@ -151,6 +157,22 @@ private:
                (m_option.size == 1 ? " byte" : " bytes");
     }
 
+    /// What the dump of a real machine says beyond the size.
+    std::string LimitsText() const
+    {
+        const OptionLimits &limits = m_option.limits;
+        std::string text;
+        const auto add = [&text](const char *word, const auto &limit)
+        { text += limit ? word + std::to_string(*limit) : ""; };
+        add(", from ", limits.minimum);
+        add(limits.minimum ? " to " : ", at most ", limits.maximum);
+        add(", in steps of ", limits.step);
+        add(", at least ", limits.minLength);
+        add(limits.minLength ? " and at most " : ", at most ", limits.maxLength);
+        text += limits.minLength || limits.maxLength ? " characters" : "";
+        return text + (m_option.isReadOnly ? ", read-only" : "");
+    }
+
     std::string ConditionText() const
     {
         const auto valueOf = [&](std::string_view name)
@@ -158,6 +180,8 @@ private:
             const BiosOption *const other = m_table.Find(name);
             return other && !other->isRedacted ? DumpNumber(other->currentValue) : std::nullopt;
         };
+        if (!m_option.state.empty())
+            return std::string(m_option.condition) + (m_option.state == "hidden" ? ": hidden now" : ": locked now");
         if (m_option.condition == "TRUE")
             return "";
         const std::optional<bool> isMet = IsConditionMet(m_option.condition, valueOf);
@@ -396,15 +420,17 @@ bool AddTemplate(const std::vector<const BiosOption *> &options, TemplateKind ki
     values.reserve(options.size()); // views refer to them
     for (const BiosOption *const option : options)
     {
-        const std::optional<std::string> value =
-            option->isRedacted ? std::nullopt : WritableValue(*option, option->currentValue);
+        const bool isKnown = !option->isRedacted && option->unreadable.empty();
+        const std::optional<std::string> value = isKnown ? WritableValue(*option, option->currentValue) : std::nullopt;
         if (value)
             assignments.push_back({option->name, values.emplace_back(*value)});
         else if (option->isRedacted)
             ++redacted;
         else
             output.Tell(Severity::Warning, "not-writable",
-                        std::string(option->name) + " is left out: its value is none that a template can give it",
+                        std::string(option->name) + (option->unreadable.empty()
+                                                         ? " is left out: its value is none that a template can give it"
+                                                         : " is left out: its value could not be read"),
                         {{"option", option->name}});
     }
     if (redacted > 0)
@@ -453,7 +479,7 @@ ExitCode ListOptions(const Work &work)
 ExitCode GetValues(const Work &work)
 {
     return WithNamedOptions(work, [&](const BiosOption &option, const OptionTable & /*table*/)
-                            { work.output.Add(OneLine(ValueText(option, option.currentValue)) + "\n"); });
+                            { work.output.Add(OneLine(CurrentText(option)) + "\n"); });
 }
 
 ExitCode ShowOptions(const Work &work)

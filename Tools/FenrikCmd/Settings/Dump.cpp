@@ -190,6 +190,8 @@ void WriteFurther(XmlDocument &document, const Setting &setting)
         document.Attribute("PendingVal", *setting.pendingValue);
     if (!setting.sourceKind.empty())
         document.Attribute("kind", setting.sourceKind);
+    if (setting.isSigned)
+        document.Attribute("signed", "TRUE");
     WriteLimit(document, "min", setting.limits.minimum);
     WriteLimit(document, "max", setting.limits.maximum);
     WriteLimit(document, "step", setting.limits.step);

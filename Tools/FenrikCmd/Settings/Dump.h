@@ -14,8 +14,8 @@ using DumpSink = std::function<bool(std::string_view piece)>;
 /// characters that XML cannot hold become U+FFFD. The text is put together here, in
 /// the layout of libxml2's xmlTextWriter, which took three times as long.
 ///
-/// What a source says beyond the attributes that every knob has stands in further ones: `kind`, `min`, `max`, `step`,
-/// `minLength`, `maxLength`, `readOnly`, `state` ("locked", "hidden") and `unreadable`, the reason why there is no
-/// current value; `default` is missing where there is none. The element `biosknobs` has `pending`, the number of
+/// What a source says beyond the attributes that every knob has stands in further ones: `kind`, `signed`, `min`, `max`,
+/// `step`, `minLength`, `maxLength`, `readOnly`, `state` ("locked", "hidden") and `unreadable`, the reason why there is
+/// no current value; `default` is missing where there is none. The element `biosknobs` has `pending`, the number of
 /// settings that wait, where the source knows it, and `valuesNeedRights="TRUE"` where it says so.
 bool WriteDump(SettingsSource &source, const char *rootName, const DumpSink &sink, std::size_t &count);
