@@ -42,9 +42,9 @@ private:
 };
 
 /// While it lives, an end from outside (Ctrl-C, a closed console, SIGHUP, SIGINT, SIGTERM) does not end the process but
-/// waits, so that the process can leave things in order; the destructor lets it come. A signal that is ignored stays so.
-/// There is one at a time, and no Interruption beside it. Windows: SetConsoleCtrlHandler; the console waits some seconds.
-/// POSIX: sigaction.
+/// waits, so that the process can leave things in order; the destructor lets it come. A signal that is ignored stays
+/// so. There is one at a time, and no Interruption beside it. Windows: SetConsoleCtrlHandler; the console waits some
+/// seconds. POSIX: sigaction.
 class DelayedInterruption
 {
 public:

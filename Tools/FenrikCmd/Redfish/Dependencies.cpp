@@ -24,7 +24,7 @@ struct Comparison
 };
 
 constexpr Comparison kComparisons[] = {
-    {"EQU", "==", false, true, false}, {"NEQ", "!=", true, false, true},  {"GTR", ">", false, false, true},
+    {"EQU", "==", false, true, false}, {"NEQ", "!=", true, false, true}, {"GTR", ">", false, false, true},
     {"GEQ", ">=", false, true, true},  {"LSS", "<", true, false, false}, {"LEQ", "<=", true, true, false},
 };
 
@@ -69,8 +69,10 @@ struct Property
 };
 
 constexpr Property kProperties[] = {
-    {"LowerBound", &RegistryAttribute::lowerBound},           {"UpperBound", &RegistryAttribute::upperBound},
-    {"MinLength", &RegistryAttribute::minLength},             {"MaxLength", &RegistryAttribute::maxLength},
+    {"LowerBound", &RegistryAttribute::lowerBound},
+    {"UpperBound", &RegistryAttribute::upperBound},
+    {"MinLength", &RegistryAttribute::minLength},
+    {"MaxLength", &RegistryAttribute::maxLength},
     {"ScalarIncrement", &RegistryAttribute::scalarIncrement},
 };
 
@@ -116,7 +118,8 @@ public:
     Access AccessOf(std::size_t attribute) const
     {
         const auto first = m_flags.begin() + static_cast<std::ptrdiff_t>(attribute * kFlagCount);
-        return {*first && m_mayHide[attribute], std::any_of(first + 1, first + kFlagCount, [](bool isSet) { return isSet; })};
+        return {*first && m_mayHide[attribute],
+                std::any_of(first + 1, first + kFlagCount, [](bool isSet) { return isSet; })};
     }
 
 private:
@@ -137,8 +140,9 @@ private:
         const RegistryAttribute &attribute = m_registry.attributes[*place];
         if (condition.property == "DefaultValue")
             return attribute.defaultValue;
-        const auto *const property = std::find_if(std::begin(kProperties), std::end(kProperties), [&](const Property &known)
-                                                  { return known.name == condition.property; });
+        const auto *const property =
+            std::find_if(std::begin(kProperties), std::end(kProperties),
+                         [&](const Property &known) { return known.name == condition.property; });
         if (property == std::end(kProperties) || !(attribute.*property->member))
             return {};
         return {WireKind::Integer, std::to_string(*(attribute.*property->member))};

@@ -63,7 +63,8 @@ std::string Origin(const Url &url)
 {
     std::string host = Part(url, CURLUPART_HOST);
     std::transform(host.begin(), host.end(), host.begin(),
-                   [](char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
+                   [](char letter)
+                   { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
     return Part(url, CURLUPART_SCHEME) + "://" + host + ':' + Part(url, CURLUPART_PORT);
 }
 
@@ -211,9 +212,8 @@ struct HttpConnection::Transfer
         std::string_view name;
         std::string HttpAnswer::*field;
     };
-    static constexpr std::array<Header, 3> kHeaders = {{{"etag", &HttpAnswer::entityTag},
-                                                        {"location", &HttpAnswer::location},
-                                                        {"x-auth-token", &HttpAnswer::token}}};
+    static constexpr std::array<Header, 3> kHeaders = {
+        {{"etag", &HttpAnswer::entityTag}, {"location", &HttpAnswer::location}, {"x-auth-token", &HttpAnswer::token}}};
 
     static std::size_t TakeBody(char *bytes, std::size_t size, std::size_t count, void *transfer) noexcept
     {
@@ -278,7 +278,8 @@ struct HttpConnection::Transfer
         {
             return header.name.size() == colon &&
                    std::equal(header.name.begin(), header.name.end(), line.begin(),
-                              [](char known, char found) { return known == found || (found >= 'A' && found <= 'Z' && known == found + 32); });
+                              [](char known, char found)
+                              { return known == found || (found >= 'A' && found <= 'Z' && known == found + 32); });
         };
         const auto *const header = std::find_if(kHeaders.begin(), kHeaders.end(), isNamed);
         if (header == kHeaders.end())

@@ -106,9 +106,9 @@ public:
     void UseBasicAuthentication(bool isUsed) { m_isBasic = isUsed; }
 
     /// Sends a request and waits for the answer, which may have any status but 503, 429 and those of a redirection. A
-    /// service that asks for patience (503, 429) is asked up to three times with growing pauses, or those that it wishes
-    /// for up to 30 s. A redirection is followed up to five times, and only on the same scheme, host and port. Throws
-    /// ConnectionError (Unreadable) where no whole answer comes in time, the answer is too long, or an end of
+    /// service that asks for patience (503, 429) is asked up to three times with growing pauses, or those that it
+    /// wishes for up to 30 s. A redirection is followed up to five times, and only on the same scheme, host and port.
+    /// Throws ConnectionError (Unreadable) where no whole answer comes in time, the answer is too long, or an end of
     /// the program waits; ToolError where the link leads elsewhere.
     HttpAnswer Send(const HttpRequest &request);
 

@@ -58,9 +58,9 @@ void ReadBios(Service &service, const RedfishConfiguration &configuration, Machi
     machine.settings.page = "Firmware/" + machine.name;
     machine.biosLink = LinkAt(machine.system, {"Bios"});
     if (machine.biosLink.empty())
-        throw ToolError(ExitCode::InterfaceDisabled, service.Presentable("the system \"" + machine.name + "\" at " +
-                                                                         service.Connection().Name() +
-                                                                         " tells of no firmware settings (Bios)"));
+        throw ToolError(ExitCode::InterfaceDisabled,
+                        service.Presentable("the system \"" + machine.name + "\" at " + service.Connection().Name() +
+                                            " tells of no firmware settings (Bios)"));
     ReadCurrent(service, machine);
     machine.settingsLink = LinkAt(machine.settings.bios.other, {"@Redfish.Settings", "SettingsObject"});
 }
@@ -105,8 +105,8 @@ void ReadMachineRegistry(Service &service, const RedfishConfiguration &configura
     {
         if (answer.body.starts_with(kGzipMark))
             problem = "is compressed and does not say so";
-        throw ToolError(ExitCode::Unreadable,
-                        "the answer of " + service.Connection().Name() + " for the registry of the settings " + problem);
+        throw ToolError(ExitCode::Unreadable, "the answer of " + service.Connection().Name() +
+                                                  " for the registry of the settings " + problem);
     }
     if (machine.settings.registry.attributes.empty())
         warn("the registry of the settings is empty" + instead);

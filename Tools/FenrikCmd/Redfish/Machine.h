@@ -24,8 +24,8 @@ struct Machine
     bool tellsWaiting = false;
 };
 
-/// Finds the machine and reads its current settings. Throws ToolError where that fails (Unreadable), or there is no such
-/// machine or none with settings (InterfaceDisabled).
+/// Finds the machine and reads its current settings. Throws ToolError where that fails (Unreadable), or there is no
+/// such machine or none with settings (InterfaceDisabled).
 void ReadBios(Service &service, const RedfishConfiguration &configuration, Machine &machine);
 
 /// Reads the current settings once more.

@@ -144,8 +144,8 @@ std::vector<ServiceMessage> MessagesOf(const Json &answer)
     if (messages.size() == before)
         messages.push_back({TextAt(*error, {"code"}), TextAt(*error, {"message"}), "Critical", {}, {}});
     // An error is one whatever its messages call themselves, unless one of them is one already.
-    const bool hasFailure =
-        std::any_of(messages.begin(), messages.end(), [](const ServiceMessage &message) { return message.IsFailure(); });
+    const bool hasFailure = std::any_of(messages.begin(), messages.end(),
+                                        [](const ServiceMessage &message) { return message.IsFailure(); });
     if (!hasFailure)
         messages.back().severity = "Critical";
     return messages;

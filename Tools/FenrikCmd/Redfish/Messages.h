@@ -32,8 +32,8 @@ std::vector<ServiceMessage> MessagesOf(const Json &answer);
 /// What became of the settings that were applied last: the messages of the member @Redfish.Settings.
 std::vector<ServiceMessage> ApplyMessagesOf(const Json &bios);
 
-/// A message as a sentence without its full stop: the options, the cause, and the way out where there is one. Well-known
-/// messages are translated; others have the service's own words.
+/// A message as a sentence without its full stop: the options, the cause, and the way out where there is one.
+/// Well-known messages are translated; others have the service's own words.
 std::string Sentence(const ServiceMessage &message);
 
 /// The sentences of those messages that tell of a failure, joined by "; "; empty where there is none.

@@ -68,8 +68,8 @@ Outcome OutcomeOfTask(Service &service, const Json &task)
     messages.insert(messages.end(), ofTask.begin(), ofTask.end());
     const std::string sentences = service.Presentable(FailureSentences(messages));
     if (IsOneOf(state, {"Exception", "Cancelled", "Killed", "Interrupted"}))
-        return Failed(ExitCode::CannotWrite,
-                      "the service's task has ended as \"" + state + "\"" + (sentences.empty() ? "" : ": " + sentences));
+        return Failed(ExitCode::CannotWrite, "the service's task has ended as \"" + state + "\"" +
+                                                 (sentences.empty() ? "" : ": " + sentences));
     return Done();
 }
 
@@ -87,7 +87,8 @@ Outcome FollowTask(Service &service, const WarningSink &warn, const HttpAnswer &
         const std::string state = isTask ? TextAt(task, {"TaskState"}) : "";
         if (answer.status >= 400 && answer.status != 404 && answer.status != 410)
             return Failed(CodeOf(answer.status), service.Refusal(answer, "programming").what());
-        if (answer.status != kAccepted || IsOneOf(state, {"Completed", "Exception", "Cancelled", "Killed", "Interrupted"}))
+        if (answer.status != kAccepted ||
+            IsOneOf(state, {"Completed", "Exception", "Cancelled", "Killed", "Interrupted"}))
             return isTask ? OutcomeOfTask(service, task) : Done();
         if (IsOneOf(state, {"Pending", "Suspended", "Service"}))
             break;
@@ -226,7 +227,8 @@ void ProgramSettings(Service &service, const WarningSink &warn, Machine &machine
             return;
         }
         if (outcome.isDone)
-            outcome = Failed(ExitCode::CannotWrite, "the service has accepted the request and not taken " + Join(missing));
+            outcome =
+                Failed(ExitCode::CannotWrite, "the service has accepted the request and not taken " + Join(missing));
         rest = outcome.isUnknown && before.empty() ? kNotKnown : PutBack(service, warn, machine, before);
     }
     catch (const ToolError &error)

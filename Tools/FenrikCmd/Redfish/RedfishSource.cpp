@@ -147,8 +147,8 @@ WireValues RedfishSource::ValuesOf(const std::vector<Assignment> &assignments)
 void RedfishSource::RefuseBarred(const std::vector<Assignment> &assignments, const WireValues &wanted) const
 {
     const std::string barred = FirstBarred(m_machine.settings, wanted);
-    const auto refused = std::find_if(assignments.begin(), assignments.end(), [&](const Assignment &assignment)
-                                      { return assignment.setting.name == barred; });
+    const auto refused = std::find_if(assignments.begin(), assignments.end(),
+                                      [&](const Assignment &assignment) { return assignment.setting.name == barred; });
     if (refused != assignments.end())
         throw RefusedAssignment(*refused, "the machine keeps its value, " + refused->setting.condition);
 }
@@ -192,7 +192,8 @@ std::string RedfishSource::Reset(const std::string &what)
 {
     RequireWriting();
     if (!what.empty())
-        throw ToolError(ExitCode::BadInput, "a Redfish service resets the settings as a whole; leave \"" + what + "\" out");
+        throw ToolError(ExitCode::BadInput,
+                        "a Redfish service resets the settings as a whole; leave \"" + what + "\" out");
     Open();
     ResetSettings(m_service, m_warn, m_machine);
     return "The firmware takes its settings as delivered with the next restart.";

@@ -176,8 +176,9 @@ private:
     bool Enter()
     {
         const Place here = m_places.back();
-        const auto *const step = std::find_if(std::begin(kSteps), std::end(kSteps), [&](const Step &possible)
-                                              { return possible.from == here && possible.key == m_key; });
+        const auto *const step =
+            std::find_if(std::begin(kSteps), std::end(kSteps),
+                         [&](const Step &possible) { return possible.from == here && possible.key == m_key; });
         const Place there = step == std::end(kSteps) ? Place::Elsewhere : step->to;
         m_places.push_back(there);
         m_key.clear();

@@ -39,7 +39,11 @@ struct WireValue
 
     bool operator==(const WireValue &other) const = default;
 
-    bool IsTrue() const { return kind == WireKind::Boolean ? text == "true" : kind == WireKind::String && (text == "true" || text == "True"); }
+    bool IsTrue() const
+    {
+        return kind == WireKind::Boolean ? text == "true"
+                                         : kind == WireKind::String && (text == "true" || text == "True");
+    }
 
     /// Whether there is something to show.
     bool HasText() const { return kind >= WireKind::Boolean && kind <= WireKind::String; }

@@ -77,8 +77,9 @@ std::vector<std::string> AllMembers(Service &service, std::string link, const st
 /// that it is asked for first; only then all others.
 Json FindRegistryFile(Service &service, std::vector<std::string> links, const std::string &name)
 {
-    const auto rank = [&](const std::string &link)
-    { return IsNamed(LastPart(link), name, true) ? 0 : IsNamed(LastPart(link), name, false) ? 1 : 2; };
+    const auto rank = [&](const std::string &link) {
+        return IsNamed(LastPart(link), name, true) ? 0 : IsNamed(LastPart(link), name, false) ? 1 : 2;
+    };
     std::stable_sort(links.begin(), links.end(),
                      [&](const std::string &left, const std::string &right) { return rank(left) < rank(right); });
     Json nearly;
@@ -105,7 +106,8 @@ std::string SystemNamed(Service &service, const std::vector<std::string> &links,
         std::find_if(links.begin(), links.end(), [&](const std::string &link) { return LastPart(link) == name; });
     if (byLink != links.end())
         return *byLink;
-    const auto byId = std::find_if(links.begin(), links.end(), [&](const std::string &link)
+    const auto byId = std::find_if(links.begin(), links.end(),
+                                   [&](const std::string &link)
                                    { return TextAt(service.GetJson(link, "the system"), {"Id"}) == name; });
     return byId == links.end() ? std::string() : *byId;
 }
@@ -172,10 +174,9 @@ ToolError Service::Refusal(const HttpAnswer &answer, const std::string &doing) c
     const bool isForbidden = answer.status == kUnauthorized || answer.status == kForbidden;
     if (answer.status == kUnauthorized && m_user.empty())
         sentences = "user and password are needed; name a file with them in the configuration (credentials-file)";
-    const std::string reason = answer.IsSuccess() ? sentences
-                               : sentences.empty()
-                                   ? StatusSentence(answer.status)
-                                   : sentences + " (status " + std::to_string(answer.status) + ")";
+    const std::string reason = answer.IsSuccess()  ? sentences
+                               : sentences.empty() ? StatusSentence(answer.status)
+                                                   : sentences + " (status " + std::to_string(answer.status) + ")";
     return {isForbidden ? ExitCode::InterfaceDisabled : ExitCode::Unreadable,
             doing + " failed at " + m_connection.Name() + ": " + Presentable(reason)};
 }
@@ -240,14 +241,15 @@ std::string FindSystem(Service &service, const std::string &name, Json &system)
     const std::vector<std::string> links = AllMembers(service, collection, "the list of systems");
     if (links.empty())
         throw ToolError(ExitCode::InterfaceDisabled, where + " has no system");
-    const std::string link = name.empty() ? links.size() == 1 ? links.front() : std::string()
-                                          : SystemNamed(service, links, name);
+    const std::string link =
+        name.empty() ? links.size() == 1 ? links.front() : std::string() : SystemNamed(service, links, name);
     if (link.empty())
-        throw ToolError(ExitCode::InterfaceDisabled,
-                        service.Presentable(where +
-                                            (name.empty() ? " has several systems; name one in the configuration (system)"
-                                                          : " has no system \"" + name + "\"; there are") +
-                                            ": " + LastParts(links)));
+        throw ToolError(
+            ExitCode::InterfaceDisabled,
+            service.Presentable(where +
+                                (name.empty() ? " has several systems; name one in the configuration (system)"
+                                              : " has no system \"" + name + "\"; there are") +
+                                ": " + LastParts(links)));
     system = service.GetJson(link, "the system");
     return link;
 }

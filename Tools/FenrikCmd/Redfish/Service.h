@@ -60,8 +60,8 @@ private:
 /// `system` is what is there. Fails where there is no such system, or several and no name.
 std::string FindSystem(Service &service, const std::string &name, Json &system);
 
-/// The link to the registry called `name`, in `language` if it is there, else in a related or the first one. Empty where
-/// the service has no such registry. One that is called so but for its version is found, too.
+/// The link to the registry called `name`, in `language` if it is there, else in a related or the first one. Empty
+/// where the service has no such registry. One that is called so but for its version is found, too.
 std::string FindRegistry(Service &service, const std::string &name, const std::string &language);
 
 /// The link for `language` among the places of a registry's file. Pure.

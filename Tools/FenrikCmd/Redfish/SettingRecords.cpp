@@ -38,9 +38,10 @@ std::vector<SettingChoice> ChoicesOf(const RegistryAttribute &attribute, Setting
     if (kind != SettingKind::OneOf)
         return {};
     std::set<std::string_view> names;
-    const bool isClear =
-        std::all_of(attribute.choices.begin(), attribute.choices.end(), [&](const RegistryChoice &choice)
-                    { return !choice.displayName.empty() && names.insert(choice.displayName).second; });
+    const bool isClear = std::all_of(attribute.choices.begin(), attribute.choices.end(),
+                                     [&](const RegistryChoice &choice) {
+                                         return !choice.displayName.empty() && names.insert(choice.displayName).second;
+                                     });
     std::vector<SettingChoice> choices;
     choices.reserve(attribute.choices.size());
     for (const RegistryChoice &choice : attribute.choices)
@@ -264,7 +265,8 @@ std::vector<std::size_t> PageByPage(const Pages &pages)
 {
     std::vector<std::size_t> order(pages.ofAttributes.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right)
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t left, std::size_t right)
                      { return pages.ofAttributes[left] < pages.ofAttributes[right]; });
     return order;
 }
@@ -331,14 +333,14 @@ void ListSettings(const MachineSettings &machine, const SettingVisitor &visit)
 
 std::size_t CountWaiting(const MachineSettings &machine)
 {
-    return static_cast<std::size_t>(std::count_if(
-        machine.waiting.attributes.begin(), machine.waiting.attributes.end(),
-        [&](const WireAttribute &attribute)
-        {
-            const RegistryAttribute *const known = machine.registry.Find(attribute.name);
-            const bool isShown = known ? !IsSecret(*known) : machine.bios.Find(attribute.name) != nullptr;
-            return isShown && WaitingValue(machine, attribute.name) == &attribute.value;
-        }));
+    return static_cast<std::size_t>(
+        std::count_if(machine.waiting.attributes.begin(), machine.waiting.attributes.end(),
+                      [&](const WireAttribute &attribute)
+                      {
+                          const RegistryAttribute *const known = machine.registry.Find(attribute.name);
+                          const bool isShown = known ? !IsSecret(*known) : machine.bios.Find(attribute.name) != nullptr;
+                          return isShown && WaitingValue(machine, attribute.name) == &attribute.value;
+                      }));
 }
 
 std::optional<WireValue> ValueToSend(const RegistryAttribute *attribute, const WireValue *current,
