@@ -25,6 +25,12 @@ std::optional<std::string> TextOfValue(const KernelSetting &setting, const std::
     }
 }
 
+/// Whether the value `value` of a dump is the current one, so far as that is known.
+bool HasValue(const KernelSetting &setting, const std::string &value)
+{
+    return setting.rawValue && ToDump(setting, *setting.rawValue) == value;
+}
+
 /// A key for a setting that conditions of the same device name.
 std::string PlaceOf(const std::string &device, const std::string &entry)
 {
@@ -159,7 +165,7 @@ std::string KernelSource::Program(const std::vector<Assignment> &assignments)
         try
         {
             std::string text = ToDriver(setting, assignment.value);
-            if (setting.rawValue != text)
+            if (!HasValue(setting, assignment.value))
                 changes.push_back({&assignment, &DeviceOf(setting), &setting, std::move(text)});
         }
         catch (const std::invalid_argument &reason)
@@ -281,7 +287,7 @@ void KernelSource::JudgeConditions(const std::vector<Assignment> &assignments)
                 return TextOfValue(*other, found->second->value);
             return other ? other->rawValue : std::nullopt;
         };
-        const std::string reason = setting.rawValue == text ? "" : Barring(setting, text, valueOf);
+        const std::string reason = HasValue(setting, assignment.value) ? "" : Barring(setting, text, valueOf);
         if (!reason.empty())
             throw RefusedAssignment(assignment, reason);
     }
