@@ -334,6 +334,7 @@ def check_whole(work, certificate):
         for name in FORMATS:
             biosconfig("report", "--format", name, "-o", f"report-{name}")
             check(text in (host / f"report-{name}").read_text(), f"the report as {name} lacks {text}")
+            check((host / f"report-{name}").stat().st_mode & 0o077 == 0, f"others may read the report as {name}")
 
     with redfish.Service(redfish.Machine(), "", certificate) as service:
         place.configure(service, timeout=30)
@@ -361,6 +362,7 @@ def check_whole(work, certificate):
                                  env={**os.environ, "BIOSCONFIG_PROGRAM_FILES": str(work / "programs"), "BIOSCONFIG_TOOL_DIR": str(host)})
         seen.append(("echo", outcome.stderr))
         check(outcome.returncode != 0 and "Invented error" in outcome.stderr, f"echo: {outcome}")
+    check((work / place.folder.parent / "FenrikOutput.xml").stat().st_mode & 0o077 == 0, "others may read the dump")
     check(list(host.rglob("Error.xml")) and (host / "traces.log").stat().st_size > 1000, "Error.xml and traces were not written")
     for path in [*host.rglob("*"), *(work / "programs").rglob("*")]:
         if path.is_file() and path.name not in ("template.txt", "template.ini", "credentials", "FenrikCmd.exe"):

@@ -143,9 +143,9 @@ private:
         const auto *const property =
             std::find_if(std::begin(kProperties), std::end(kProperties),
                          [&](const Property &known) { return known.name == condition.property; });
-        if (property == std::end(kProperties) || !(attribute.*property->member))
-            return {};
-        return {WireKind::Integer, std::to_string(*(attribute.*property->member))};
+        const std::optional<std::int64_t> number =
+            property == std::end(kProperties) ? std::nullopt : attribute.*property->member;
+        return number ? WireValue{WireKind::Integer, std::to_string(*number)} : WireValue();
     }
 
     std::optional<bool> Holds(const RegistryCondition &condition) const

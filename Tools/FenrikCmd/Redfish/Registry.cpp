@@ -115,8 +115,8 @@ constexpr Field<RegistryCondition, std::string> kConditionTexts[] = {
 constexpr Field<RegistryCondition, WireValue> kConditionValues[] = {{"MapFromValue", &RegistryCondition::value}};
 
 /// The member of `record` that `key` names in `fields`, or null.
-template <typename Record, typename Value, std::size_t count>
-Value *MemberOf(Record &record, const Field<Record, Value> (&fields)[count], std::string_view key)
+template <typename Record, typename Value, std::size_t Count>
+Value *MemberOf(Record &record, const Field<Record, Value> (&fields)[Count], std::string_view key)
 {
     const auto *const found =
         std::find_if(std::begin(fields), std::end(fields), [key](const auto &field) { return field.key == key; });

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace Redfish
 {
@@ -76,7 +77,7 @@ private:
 
     void AddAttribute(WireKind kind, std::string text)
     {
-        m_resource.attributes.push_back({std::move(m_key), {kind, std::move(text)}});
+        m_resource.attributes.push_back({std::exchange(m_key, {}), {kind, std::move(text)}});
     }
 
     bool Take(WireKind kind, std::string text, Json value)

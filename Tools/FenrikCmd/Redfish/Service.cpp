@@ -241,7 +241,7 @@ std::string FindSystem(Service &service, const std::string &name, Json &system)
     const std::vector<std::string> links = AllMembers(service, collection, "the list of systems");
     if (links.empty())
         throw ToolError(ExitCode::InterfaceDisabled, where + " has no system");
-    const std::string link =
+    std::string link =
         name.empty() ? links.size() == 1 ? links.front() : std::string() : SystemNamed(service, links, name);
     if (link.empty())
         throw ToolError(
