@@ -41,22 +41,6 @@ private:
     std::size_t m_place;
 };
 
-/// While it lives, an end from outside (Ctrl-C, a closed console, SIGHUP, SIGINT, SIGTERM) does not end the process but
-/// waits, so that the process can leave things in order; the destructor lets it come. A signal that is ignored stays
-/// so. There is one at a time, and no Interruption beside it. Windows: SetConsoleCtrlHandler; the console waits some
-/// seconds. POSIX: sigaction.
-class DelayedInterruption
-{
-public:
-    DelayedInterruption();
-    ~DelayedInterruption();
-    DelayedInterruption(const DelayedInterruption &) = delete;
-    DelayedInterruption &operator=(const DelayedInterruption &) = delete;
-
-    /// Whether an end has come and waits.
-    static bool IsWaiting();
-};
-
 /// This program, running once more. There is one at a time, during the life of an Interruption.
 class Worker
 {

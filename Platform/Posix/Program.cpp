@@ -26,8 +26,6 @@ namespace
 {
 
 constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE};
-/// Those that come from outside alone; a pipe that is closed is noticed where it is written to.
-constexpr int kDelayedSignals[] = {SIGHUP, SIGINT, SIGTERM};
 constexpr timespec kPause = {0, 10'000'000};
 constexpr std::uint64_t kMillisecondsPerSecond = 1000;
 /// What cannot be killed, since it hangs within the system, is not waited for.
@@ -98,18 +96,10 @@ void HandleEnd(int signal)
     raise(signal); // comes when this returns
 }
 
-volatile std::sig_atomic_t waitingSignal = 0;
-
-void KeepWaiting(int signal)
-{
-    waitingSignal = signal;
-}
-
 /// What is ignored, as nohup has it, stays so.
-template <typename Signals>
-void Handle(const Signals &signals, void (*from)(int), void (*to)(int))
+void Handle(void (*from)(int), void (*to)(int))
 {
-    for (const int signal : signals)
+    for (const int signal : kEndingSignals)
     {
         struct sigaction action = {};
         if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != from)
@@ -127,30 +117,12 @@ void Handle(const Signals &signals, void (*from)(int), void (*to)(int))
 Interruption::Interruption()
 {
     prctl(PR_SET_CHILD_SUBREAPER, 1UL, 0UL, 0UL, 0UL);
-    Handle(kEndingSignals, SIG_DFL, HandleEnd);
+    Handle(SIG_DFL, HandleEnd);
 }
 
 Interruption::~Interruption()
 {
-    Handle(kEndingSignals, HandleEnd, SIG_DFL);
-}
-
-DelayedInterruption::DelayedInterruption()
-{
-    waitingSignal = 0;
-    Handle(kDelayedSignals, SIG_DFL, KeepWaiting);
-}
-
-DelayedInterruption::~DelayedInterruption()
-{
-    Handle(kDelayedSignals, KeepWaiting, SIG_DFL);
-    if (waitingSignal != 0)
-        raise(waitingSignal);
-}
-
-bool DelayedInterruption::IsWaiting()
-{
-    return waitingSignal != 0;
+    Handle(HandleEnd, SIG_DFL);
 }
 
 RemovedWhenInterrupted::RemovedWhenInterrupted(const std::string &path, std::FILE * /*stream*/)

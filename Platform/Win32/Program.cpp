@@ -83,15 +83,6 @@ BOOL WINAPI HandleEnd(DWORD /*event*/)
     return FALSE;
 }
 
-volatile bool endIsWaiting = false;
-
-/// The program ends by itself; where it takes too long, the system ends it.
-BOOL WINAPI KeepWaiting(DWORD /*event*/)
-{
-    endIsWaiting = true;
-    return TRUE;
-}
-
 /// This process's standard handle, made so that a child inherits it.
 HANDLE InheritedHandle(DWORD which)
 {
@@ -139,24 +130,6 @@ Interruption::~Interruption()
     // An end as it should be leaves running what was to run on.
     SetJobEnding(m_job, false);
     CloseHandle(m_job);
-}
-
-DelayedInterruption::DelayedInterruption()
-{
-    endIsWaiting = false;
-    SetConsoleCtrlHandler(KeepWaiting, TRUE);
-}
-
-DelayedInterruption::~DelayedInterruption()
-{
-    SetConsoleCtrlHandler(KeepWaiting, FALSE);
-    if (endIsWaiting)
-        ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
-}
-
-bool DelayedInterruption::IsWaiting()
-{
-    return endIsWaiting;
 }
 
 RemovedWhenInterrupted::RemovedWhenInterrupted(const std::string &path, std::FILE *stream)

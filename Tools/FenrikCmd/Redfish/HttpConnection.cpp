@@ -1,7 +1,7 @@
 #include "HttpConnection.h"
 
+#include "NativeFolder.h"
 #include "Platform.h"
-#include "Program.h"
 
 #include <algorithm>
 #include <array>
@@ -78,7 +78,7 @@ bool IsRedirection(long status)
 void Pause(std::uint32_t seconds, bool goesThrough)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    while ((goesThrough || !Platform::DelayedInterruption::IsWaiting()) && std::chrono::steady_clock::now() < end)
+    while ((goesThrough || !Platform::InterruptionHeldBack::IsWaiting()) && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(kGlance);
 }
 
@@ -252,7 +252,7 @@ struct HttpConnection::Transfer
 
     static int Watch(void *transfer, curl_off_t, curl_off_t, curl_off_t, curl_off_t) noexcept
     {
-        return !static_cast<Transfer *>(transfer)->goesThrough && Platform::DelayedInterruption::IsWaiting() ? 1 : 0;
+        return !static_cast<Transfer *>(transfer)->goesThrough && Platform::InterruptionHeldBack::IsWaiting() ? 1 : 0;
     }
 
     /// As far as the service says, and no further than is believed without having it.
@@ -395,7 +395,7 @@ void HttpConnection::SetReceiver(Transfer &transfer)
 
 HttpAnswer HttpConnection::SendOnce(const HttpRequest &request, const std::string &url, std::string &redirection)
 {
-    if (!request.goesThrough && Platform::DelayedInterruption::IsWaiting())
+    if (!request.goesThrough && Platform::InterruptionHeldBack::IsWaiting())
         throw ConnectionError(kUnusable, "interrupted");
     Transfer transfer;
     transfer.longestAnswer = m_settings.longestAnswer;

@@ -3,7 +3,7 @@
 #include "Credentials.h"
 #include "KnobFile.h"
 #include "Machine.h"
-#include "Program.h"
+#include "NativeFolder.h"
 #include "Programming.h"
 
 #include <algorithm>
@@ -53,7 +53,7 @@ private:
     const Configuration &m_configuration;
     WarningSink m_warn;
     /// Goes last: the session is ended before.
-    Platform::DelayedInterruption m_interruption;
+    Platform::InterruptionHeldBack m_interruption;
     Service m_service;
     Redfish::Machine m_machine;
     bool m_isOpen = false;
