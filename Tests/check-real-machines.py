@@ -145,6 +145,10 @@ def check_kernel(work):
     password.write_text(PASSWORD + "\n")
     password.chmod(0o600)
     check("kernel's firmware attributes (tarnmoor-wmi), writing is off" in machine.tool("fenrikstatus").stdout, "fenrikstatus")
+    (work / "old.xml").write_text("a dump that all may read")
+    for dump in ("new.xml", "old.xml"):
+        machine.tool("savexml", work / dump)
+    machine.check_modes("new.xml", "old.xml")
     check(machine.biosconfig("set", "Boot Mode=Legacy", "--tool-dir", machine.tool_directory).returncode != 0
           and value("Boot Mode") == "UEFI native" and "writing is off" in machine.said, "writing that is off")
 

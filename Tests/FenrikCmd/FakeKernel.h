@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 
 #include <algorithm>
+#include <csignal>
 #include <map>
 
 /// What a file of a fake kernel holds, below the folder of the class.
@@ -65,6 +66,8 @@ public:
     std::error_code Write(const std::string &file, std::string_view bytes) override
     {
         const std::string text(bytes);
+        if (endsWithWrite && log.empty())
+            std::raise(SIGTERM);
         log += file.substr(file.rfind('/', file.rfind('/') - 1) + 1) + "=" + (text == "\n" ? "\\n" : text) + " ";
         const auto failure = writeErrors.find(file + "=" + text);
         if (failure != writeErrors.end())
@@ -94,6 +97,8 @@ public:
     bool ignoresWrites = false;
     /// Writes succeed and put another value there.
     bool changesCase = false;
+    /// Somebody wants the process to end while it writes.
+    bool endsWithWrite = false;
     /// The last two parts of the path, "=" and what was written, each with a blank behind.
     std::string log;
 

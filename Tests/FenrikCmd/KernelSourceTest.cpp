@@ -313,6 +313,19 @@ TEST(KernelSource, WhatCannotBePutBackOrReadBackIsNamed)
     EXPECT_PRED_FORMAT2(testing::IsSubstring, "took another value", other.said);
 }
 
+TEST(KernelSource, AnEndFromOutsideWaitsUntilAllIsPutBack)
+{
+    FakeKernel kernel(kGalda);
+    kernel.endsWithWrite = true;
+    const auto before = std::signal(SIGTERM, SIG_IGN);
+    const Programmed ended = Program(kernel, "BootMode=0\nSecret=y", {});
+    std::signal(SIGTERM, before);
+    EXPECT_EQ(ended.code, ExitCode::CannotWrite);
+    EXPECT_EQ(kernel.log, "BootMode/current_value=0 BootMode/current_value=9 ");
+    EXPECT_PRED_FORMAT2(testing::IsSubstring,
+                        "it was interrupted before Secret; what had been written before was put back", ended.said);
+}
+
 struct Barred
 {
     const char *knobFile;

@@ -143,25 +143,27 @@ TEST(Settings, DumpSaysAllThatASourceSays)
     ASSERT_TRUE(WriteDump(
         source, "SYSTEM", [&](std::string_view piece) { return !dump.append(piece).empty(); }, count));
     EXPECT_EQ(count, 3U);
-    EXPECT_EQ(dump, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<SYSTEM>\n"
-                    "\t<platform source=\"odd &quot;1&quot;\xEF\xBF\xBD\"/>\n\t<biosknobs valuesNeedRights=\"TRUE\">\n"
-                    "\t\t<!-- Setup page: A- -B- -->\n"
-                    "\t\t<knob type=\"scalar\" setupType=\"numeric\" name=\"Level\" varstoreIndex=\"0x00\" prompt=\"\" "
-                    "description=\"\" UqiVal=\"0xAA8AA81AD6F055FD\" size=\"8\" offset=\"0x0000\" depex=\"TRUE\" "
-                    "SetupPgPtr=\"A--B-\" CurrentVal=\"-4\" kind=\"integer\" signed=\"TRUE\" min=\"-10\" max=\"20\" "
-                    "step=\"3\"/>\n"
-                    "\t\t<knob type=\"string\" setupType=\"text\" name=\"Label\" varstoreIndex=\"0x00\" "
-                    "prompt=\"\xC3\xA9\xEF\xBF\xBD&lt;&#9;\xEF\xBF\xBD\xEF\xBF\xBD\" description=\"\" "
-                    "UqiVal=\"0x5590DBF7E425789D\" size=\"0\" offset=\"0x0000\" depex=\"TRUE\" SetupPgPtr=\"A--B-\" "
-                    "CurrentVal=\"\" kind=\"string\" minLength=\"2\" maxLength=\"3\" state=\"hidden\" "
-                    "unreadable=\"permission denied\"/>\n"
-                    "\t\t<!-- Setup page:  -->\n"
-                    "\t\t<knob type=\"scalar\" setupType=\"oneof\" name=\"Fixed\" varstoreIndex=\"0x00\" prompt=\"\" "
-                    "description=\"\" UqiVal=\"0xD319AAE1401F1E19\" size=\"0\" offset=\"0x0000\" depex=\"TRUE\" SetupPgPtr=\"\" "
-                    "default=\"0x0\" CurrentVal=\"On!\" PendingVal=\"0x1\" readOnly=\"TRUE\">\n"
-                    "\t\t\t<options>\n\t\t\t\t<!-- the current value is none of these -->\n"
-                    "\t\t\t\t<option text=\"Off\" value=\"0x0\"/>\n\t\t\t\t<option text=\"On\" value=\"0x1\"/>\n"
-                    "\t\t\t</options>\n\t\t</knob>\n\t</biosknobs>\n</SYSTEM>\n");
+    EXPECT_EQ(
+        dump,
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<SYSTEM>\n"
+        "\t<platform source=\"odd &quot;1&quot;\xEF\xBF\xBD\"/>\n\t<biosknobs valuesNeedRights=\"TRUE\">\n"
+        "\t\t<!-- Setup page: A- -B- -->\n"
+        "\t\t<knob type=\"scalar\" setupType=\"numeric\" name=\"Level\" varstoreIndex=\"0x00\" prompt=\"\" "
+        "description=\"\" UqiVal=\"0xAA8AA81AD6F055FD\" size=\"8\" offset=\"0x0000\" depex=\"TRUE\" "
+        "SetupPgPtr=\"A--B-\" CurrentVal=\"-4\" kind=\"integer\" signed=\"TRUE\" min=\"-10\" max=\"20\" "
+        "step=\"3\"/>\n"
+        "\t\t<knob type=\"string\" setupType=\"text\" name=\"Label\" varstoreIndex=\"0x00\" "
+        "prompt=\"\xC3\xA9\xEF\xBF\xBD&lt;&#9;\xEF\xBF\xBD\xEF\xBF\xBD\" description=\"\" "
+        "UqiVal=\"0x5590DBF7E425789D\" size=\"0\" offset=\"0x0000\" depex=\"TRUE\" SetupPgPtr=\"A--B-\" "
+        "CurrentVal=\"\" kind=\"string\" minLength=\"2\" maxLength=\"3\" state=\"hidden\" "
+        "unreadable=\"permission denied\"/>\n"
+        "\t\t<!-- Setup page:  -->\n"
+        "\t\t<knob type=\"scalar\" setupType=\"oneof\" name=\"Fixed\" varstoreIndex=\"0x00\" prompt=\"\" "
+        "description=\"\" UqiVal=\"0xD319AAE1401F1E19\" size=\"0\" offset=\"0x0000\" depex=\"TRUE\" SetupPgPtr=\"\" "
+        "default=\"0x0\" CurrentVal=\"On!\" PendingVal=\"0x1\" readOnly=\"TRUE\">\n"
+        "\t\t\t<options>\n\t\t\t\t<!-- the current value is none of these -->\n"
+        "\t\t\t\t<option text=\"Off\" value=\"0x0\"/>\n\t\t\t\t<option text=\"On\" value=\"0x1\"/>\n"
+        "\t\t\t</options>\n\t\t</knob>\n\t</biosknobs>\n</SYSTEM>\n");
 }
 
 struct LimitCase
