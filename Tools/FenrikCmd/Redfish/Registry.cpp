@@ -294,6 +294,7 @@ bool ReadRegistry(std::string_view text, Registry &registry, std::string &proble
     if (!Json::sax_parse(text.data(), text.data() + text.size(), &reader))
     {
         problem = NotJson(reader.ErrorPosition());
+        registry = {};
         return false;
     }
     KeepFirstOfName(registry);

@@ -104,8 +104,8 @@ struct Registry
 };
 
 /// Reads a registry, an attribute without a name left out and of several of one name the first one kept. False, with
-/// `problem` as the end of a sentence, where the text is not JSON. nlohmann/json hands over piece by piece; no tree is
-/// made.
+/// `problem` as the end of a sentence and `registry` empty, where the text is not JSON. nlohmann/json hands over piece
+/// by piece; no tree is made.
 bool ReadRegistry(std::string_view text, Registry &registry, std::string &problem);
 
 } // namespace Redfish

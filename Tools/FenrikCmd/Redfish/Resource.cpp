@@ -172,11 +172,13 @@ bool ReadAttributeResource(std::string_view text, AttributeResource &resource, s
     if (!Json::sax_parse(text.data(), text.data() + text.size(), &reader))
     {
         problem = NotJson(reader.ErrorPosition());
+        resource = {};
         return false;
     }
     if (!resource.other.is_object())
     {
         problem = "is no JSON object";
+        resource = {};
         return false;
     }
     resource.MakeIndex();

@@ -85,8 +85,8 @@ private:
     std::unordered_map<std::string_view, const WireValue *> m_byName;
 };
 
-/// Reads a resource with settings. False, with `problem` as the end of a sentence, where the text is not JSON or no
-/// object. `problem` holds nothing of the text.
+/// Reads a resource with settings. False, with `problem` as the end of a sentence and `resource` empty, where the text
+/// is not JSON or no object. `problem` holds nothing of the text.
 bool ReadAttributeResource(std::string_view text, AttributeResource &resource, std::string &problem);
 
 /// Reads any other answer, likewise.
