@@ -15,7 +15,7 @@ constexpr std::uint32_t kKnobCount = 300;
 /// Name and value of every assignment.
 using Values = std::map<std::string, std::string>;
 
-Values Read(const std::string &text)
+Values Read(std::string_view text)
 {
     static SimulatedSource source(GeneratedFirmware(kKnobCount));
     Values values;
