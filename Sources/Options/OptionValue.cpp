@@ -199,10 +199,10 @@ JudgedValue JudgeText(const BiosOption &option, std::string_view value)
         return {"", "", "the text is not printable UTF-8"};
     const auto length = static_cast<std::uint64_t>(std::count_if(
         value.begin(), value.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
-    if (length < option.limits.minLength.value_or(0))
+    const std::uint64_t least = option.limits.minLength.value_or(0);
+    if (length < least)
         return {"", "",
-                "the text has " + std::to_string(length) + " characters; the shortest has " +
-                    std::to_string(*option.limits.minLength)};
+                "the text has " + std::to_string(length) + " characters; the shortest has " + std::to_string(least)};
     if (option.limits.maxLength && length > *option.limits.maxLength)
         return {"", "",
                 "the text has " + std::to_string(length) + " characters; the longest has " +

@@ -2,6 +2,7 @@
 #include "KnobFile.h"
 #include "Number.h"
 #include "TestSupport.h"
+#include "Utf8.h"
 
 using namespace TestSupport;
 
@@ -72,6 +73,20 @@ TEST(Configuration, TheEnvironmentChoosesTheSource)
     EXPECT_EQ(configuration.source, SourceKind::Simulated);
     for (const char *const bad : {"kernal", "kernel:", "simulated:x", "redfish:b", "Redfish:https://b"})
         EXPECT_THROW(ChooseSource(configuration, bad), ToolError) << bad;
+}
+
+TEST(Settings, TextsAreMadeFit)
+{
+    const std::pair<std::string, int> cases[] = {
+        {"\xA3\x97", 2}, {"\xC0\xAF", 2},         {"\xE0\x80\x80", 3},       {"\xED\xA0\x80", 3},
+        {"\xC3", 1},     {"\xF4\x90\x80\x80", 4}, {std::string(1, '\0'), 1}, {"\x0B\r\xEF\xBF\xBE", 5}};
+    for (const auto &[bytes, replaced] : cases)
+    {
+        std::string expected = "\xC3\xA9\t\n";
+        for (int count = 0; count < replaced; ++count)
+            expected += "\xEF\xBF\xBD";
+        EXPECT_EQ(FittingText("\xC3\xA9\t\n" + bytes), expected) << testing::PrintToString(bytes);
+    }
 }
 
 TEST(Settings, NumbersMayBeNegative)

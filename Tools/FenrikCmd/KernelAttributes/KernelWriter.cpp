@@ -225,8 +225,8 @@ const std::string &KernelPassword::For(const KernelDevice &device, const KernelA
                             ConfigurationPath() + "\" (password-file = ...)");
     const auto length = static_cast<std::int64_t>(m_password.size());
     // A driver may pass over a password of a length that it does not take, and the writing with it.
-    if (length < authentication.minLength.value_or(0) ||
-        (authentication.maxLength.value_or(0) > 0 && length > *authentication.maxLength))
+    const std::int64_t most = authentication.maxLength.value_or(0);
+    if (length < authentication.minLength.value_or(0) || (most > 0 && length > most))
         throw ToolError(ExitCode::InterfaceDisabled,
                         "the administrator password has not a length that " + name + " takes");
     return m_password;

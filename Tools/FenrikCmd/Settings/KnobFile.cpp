@@ -166,8 +166,9 @@ std::size_t Characters(const std::string &text)
 void CheckLength(const SettingLimits &limits, const std::string &value)
 {
     const std::size_t length = Characters(value);
-    if (length < limits.minLength.value_or(0))
-        throw std::invalid_argument("the text is shorter than " + std::to_string(*limits.minLength) + " characters");
+    const std::uint64_t least = limits.minLength.value_or(0);
+    if (length < least)
+        throw std::invalid_argument("the text is shorter than " + std::to_string(least) + " characters");
     if (limits.maxLength && length > *limits.maxLength)
         throw std::invalid_argument("the text is longer than " + std::to_string(*limits.maxLength) + " characters");
 }
@@ -215,7 +216,7 @@ public:
             throw std::invalid_argument("there is no option " + Quoted(line.name));
         try
         {
-            TakeValue(line, *setting);
+            TakeValue(line.number, *line.value, *setting);
         }
         catch (const std::invalid_argument &reason)
         {
@@ -228,13 +229,13 @@ public:
     std::vector<Assignment> &Assignments() { return m_assignments; }
 
 private:
-    void TakeValue(const AssignmentLine &line, const Setting &setting)
+    void TakeValue(std::size_t line, const std::string &written, const Setting &setting)
     {
         // What nobody can change may still be what was assigned.
-        const bool isAsShown = setting.unreadable.empty() && *line.value == setting.currentValue;
-        std::string value = setting.isReadOnly && isAsShown ? *line.value : CheckValue(setting, *line.value);
+        const bool isAsShown = setting.unreadable.empty() && written == setting.currentValue;
+        std::string value = setting.isReadOnly && isAsShown ? written : CheckValue(setting, written);
         if (!setting.isReadOnly)
-            m_assignments.push_back({line.number, setting, std::move(value)});
+            m_assignments.push_back({line, setting, std::move(value)});
         else if (!setting.unreadable.empty() || value != setting.currentValue)
             throw std::invalid_argument("it is read-only");
     }
