@@ -41,6 +41,13 @@ install(DIRECTORY Include/ DESTINATION ${header_place})
 install(FILES README.md CHANGELOG.md DESTINATION ${readme_place})
 install(DIRECTORY Docs DESTINATION ${readme_place})
 
+# The collection for Ansible, as its own tool packs it; where that tool is not, the folder.
+if(NOT WIN32)
+  set(collection_place ${CMAKE_INSTALL_DATADIR}/BiosConfigModule)
+  configure_file(cmake/install-collection.cmake.in install-collection.cmake @ONLY)
+  install(SCRIPT ${CMAKE_BINARY_DIR}/install-collection.cmake)
+endif()
+
 install(EXPORT BiosConfigModule NAMESPACE BiosConfigModule:: FILE BiosConfigModuleTargets.cmake
   DESTINATION ${package_place})
 configure_file(cmake/BiosConfigModuleConfig.cmake.in BiosConfigModuleConfig.cmake @ONLY)
