@@ -36,7 +36,7 @@ check_with_ansible() {
         use-compat-six)
     ansible-lint --offline -q --nocolor
     ansible-test sanity --color no "${checks[@]/#/--test=}" 2>&1 | grep -v locale
-    PYTHONPATH=$tools/validate-modules:$work/copy python3 "$tools/validate-modules/validate.py" --arg-spec \
+    PYTHONPATH=$tools/validate-modules:$work/copy python3 "$tools/validate-modules/validate.py" --arg \
         --collection ansible_collections/biosconfig/lab --collection-version 1.0.0 plugins/modules/*.py \
         >"$work/findings" || true
     found=$(grep -v missing-gplv3-license "$work/findings" || true)

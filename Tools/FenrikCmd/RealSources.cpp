@@ -5,8 +5,7 @@
 namespace
 {
 
-constexpr SourceMaker kMakers[] = {{SourceKind::Kernel, MakeKernelSource},
-                                    {SourceKind::Redfish, MakeRedfishSource}};
+constexpr SourceMaker kMakers[] = {{SourceKind::Kernel, MakeKernelSource}, {SourceKind::Redfish, MakeRedfishSource}};
 
 } // namespace
 

@@ -83,9 +83,12 @@ std::string OptionsAsCsv(const std::vector<const BiosOption *> &options)
     std::string text = "Name,Value,Prompt,Page,Default,Changed\n";
     for (const BiosOption *const option : options)
     {
-        const std::string cells[] = {
-            std::string(option->name), CurrentText(*option), std::string(option->prompt),
-            std::string(option->page), ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
+        const std::string cells[] = {std::string(option->name),
+                                     CurrentText(*option),
+                                     std::string(option->prompt),
+                                     std::string(option->page),
+                                     ValueText(*option, option->defaultValue),
+                                     option->isChanged ? "yes" : "no"};
         for (const std::string &cell : cells)
             text.append(&cell == &cells[0] ? "" : ",").append(CsvCell(cell));
         text += "\n";

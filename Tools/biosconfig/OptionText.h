@@ -14,8 +14,8 @@ bool IsNoChoice(const BiosOption &option);
 /// A value with its number where that says something else: "Enabled (0x1)", "(empty)".
 std::string DetailedValue(const BiosOption &option, std::string_view value);
 
-/// What the dump of a real machine says of the values beyond the size, to stand behind it: ", from 0 to 30"; empty where it
-/// does not.
+/// What the dump of a real machine says of the values beyond the size, to stand behind it: ", from 0 to 30"; empty
+/// where it does not.
 std::string LimitsText(const BiosOption &option);
 
 /// What is to be said behind the current value: ", changed"; empty for nothing.

@@ -78,7 +78,8 @@ public:
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
         if (m_option.unreadable.empty())
-            AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option), LookOfValue(m_option));
+            AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option),
+                     LookOfValue(m_option));
         else
             AddField("Value", "(unreadable: " + std::string(m_option.unreadable) + ")", Look::Bad);
         if (m_option.hasDefault)

@@ -38,8 +38,8 @@ void AddValues(json &object, const ViewRow &row)
     else
         object["value"] = nullptr;
     for (const OtherValue &other : OtherValuesOf(row))
-        object["others"].push_back({other.option ? json(CurrentText(*other.option)) : json(),
-                                    other.columns, other.differs});
+        object["others"].push_back(
+            {other.option ? json(CurrentText(*other.option)) : json(), other.columns, other.differs});
 }
 
 /// How a template assigns the value, where the script could not tell.

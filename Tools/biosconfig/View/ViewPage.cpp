@@ -277,7 +277,8 @@ private:
         Append("<details><summary>Details</summary><dl>");
         if (option.hasDefault)
             AppendElement("<dt>Default</dt><dd>", DetailedValue(option, option.defaultValue), "</dd>");
-        AppendElement("<dt>Kind</dt><dd>", std::string(KindName(option.kind)) + SizeText(option) + LimitsText(option), "</dd>");
+        AppendElement("<dt>Kind</dt><dd>", std::string(KindName(option.kind)) + SizeText(option) + LimitsText(option),
+                      "</dd>");
         if (option.pendingValue)
             AppendElement("<dt>From the next restart on</dt><dd>", DetailedValue(option, *option.pendingValue),
                           "</dd>");
