@@ -121,6 +121,15 @@ bool RenameOver(const std::string &from, const std::string &to);
 /// Windows: DeleteFileA. POSIX: unlink.
 bool RemoveFile(const std::string &path);
 
+/// Who may read and write a new file.
+enum class FileAccess
+{
+    /// Whoever the umask lets, or those who may have the file that it replaces.
+    Usual,
+    /// Its owner alone. Windows: as Usual, the folder's access list decides.
+    OwnerOnly
+};
+
 struct CloseStream
 {
     void operator()(std::FILE *stream) const { std::fclose(stream); }
@@ -135,15 +144,41 @@ StreamOwner OpenStream(const std::string &path, const char *mode);
 /// Creates a file that is not there yet, for writing bytes; a link of that name is not followed. Null, with EEXIST in
 /// errno where something of that name is there, when it cannot be created. Throws std::bad_alloc, and leaves none,
 /// where there is no memory for it. Windows: _open. POSIX: open.
-StreamOwner CreateStream(const std::string &path);
+StreamOwner CreateStream(const std::string &path, FileAccess access = FileAccess::Usual);
+
+/// Lets nobody but its owner have the file open as `stream`; false when the system refuses. POSIX: fchmod. Windows:
+/// nothing to do.
+bool RestrictToOwner(std::FILE *stream);
+
+/// Whether nobody but its owner may read or write the file open as `stream`. POSIX: fstat. Windows: always.
+bool IsRestrictedToOwner(std::FILE *stream);
+
+/// While it lives, the files that this process and its children make are for their owner alone. POSIX: umask. Windows:
+/// nothing to do.
+class FilesForOwnerOnly
+{
+public:
+    FilesForOwnerOnly();
+    ~FilesForOwnerOnly();
+    FilesForOwnerOnly(const FilesForOwnerOnly &) = delete;
+    FilesForOwnerOnly &operator=(const FilesForOwnerOnly &) = delete;
+
+private:
+    unsigned m_before;
+};
 
 /// Has everything that was written to `stream` stored on the disk; false when that fails. A stream that has no disk
 /// behind it counts as stored. Windows: FlushFileBuffers. POSIX: fsync.
 bool SyncStream(std::FILE *stream);
 
-/// Gives the file open as `stream` the mode, owner and group of the one at `path`; true also when there is none. False
-/// when the system does not let the process do that. Windows: nothing to do, RenameOver keeps them.
-bool CopyOwnership(const std::string &path, std::FILE *stream);
+/// Gives the file open as `stream` the mode, owner and group of the one at `path`, of the mode the owner's part where
+/// `access` says so; true also when there is none. False when the system does not let the process do that. Windows:
+/// nothing to do, RenameOver keeps them.
+bool CopyOwnership(const std::string &path, std::FILE *stream, FileAccess access = FileAccess::Usual);
+
+/// Reads the first line, without its end, from a file that this process has open under `descriptor`, and closes it.
+/// Returns false when nothing can be read there. POSIX: read. Windows: _read.
+bool ReadLineOfDescriptor(int descriptor, std::string &line);
 
 /// Replaces `bytes` with what `stream` holds up to its end. Returns false when that cannot be read.
 bool ReadBytes(std::FILE *stream, std::string &bytes);

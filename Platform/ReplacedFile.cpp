@@ -17,12 +17,18 @@ constexpr int kMostLinks = 40;
 /// One process may replace a file from several threads, and another one of the same number may have left some behind.
 constexpr int kMostNames = 100;
 
+/// Sees to it that the file open as `stream` is for whom `access` says.
+bool IsFor(FileAccess access, std::FILE *stream)
+{
+    return access == FileAccess::Usual || RestrictToOwner(stream);
+}
+
 /// Writes the file at `from` over the bytes of the one at `to`.
-bool CopyInPlace(const std::string &from, const std::string &to)
+bool CopyInPlace(const std::string &from, const std::string &to, FileAccess access)
 {
     const StreamOwner source = OpenStream(from, "rb");
     const StreamOwner target = OpenStream(to, "wb");
-    if (!source || !target)
+    if (!source || !target || !IsFor(access, target.get()))
         return false;
     char bytes[16384];
     for (std::size_t count = 0; (count = std::fread(bytes, 1, sizeof bytes, source.get())) > 0;)
@@ -53,7 +59,7 @@ std::string LinkTarget(const std::string &path)
     return target == ToFilesystemPath(path) ? path : FromFilesystemPath(target);
 }
 
-ReplacedFile::ReplacedFile(const std::string &path) : m_path(LinkTarget(path)) {}
+ReplacedFile::ReplacedFile(const std::string &path, FileAccess access) : m_path(LinkTarget(path)), m_access(access) {}
 
 ReplacedFile::~ReplacedFile()
 {
@@ -78,6 +84,8 @@ bool ReplacedFile::Open()
     bool isRefused = false;
     if (!OpenBeside(isRefused) && isRefused)
         m_stream = OpenStream(m_path, "wb");
+    if (m_stream && !IsFor(m_access, m_stream.get()))
+        m_stream.reset();
     return m_stream != nullptr;
 }
 
@@ -90,7 +98,7 @@ bool ReplacedFile::OpenBeside(bool &isRefused)
     {
         std::string path = name + (number == 0 ? "" : '-' + std::to_string(number)) + ".new";
         errno = 0;
-        m_stream = CreateStream(path);
+        m_stream = CreateStream(path, m_access);
         if (!m_stream && errno == EEXIST)
             continue;
         if (m_stream)
@@ -98,7 +106,7 @@ bool ReplacedFile::OpenBeside(bool &isRefused)
         break;
     }
     isRefused = m_stream || errno == EACCES || errno == EPERM || errno == EROFS || errno == EEXIST;
-    if (m_stream && CopyOwnership(m_path, m_stream.get()))
+    if (m_stream && CopyOwnership(m_path, m_stream.get(), m_access))
         return true;
     m_stream.reset();
     if (!m_besidePath.empty())
@@ -120,7 +128,7 @@ bool ReplacedFile::Commit()
     if (m_besidePath.empty() || !whole)
         return whole;
     const bool renamed = RenameOver(m_besidePath, m_path);
-    if (!renamed && CopyInPlace(m_besidePath, m_path))
+    if (!renamed && CopyInPlace(m_besidePath, m_path, m_access))
         return true;
     // It has its name now; or it is the only whole copy, and stays.
     m_besidePath.clear();

@@ -18,8 +18,9 @@ namespace Platform
 class ReplacedFile
 {
 public:
-    /// `path` is a path text of the platform.
-    explicit ReplacedFile(const std::string &path);
+    /// `path` is a path text of the platform. With OwnerOnly nobody but the owner of the file may have the new one, nor
+    /// what is written beside.
+    explicit ReplacedFile(const std::string &path, FileAccess access = FileAccess::Usual);
     /// Removes what was not put in place.
     ~ReplacedFile();
     ReplacedFile(const ReplacedFile &) = delete;
@@ -43,6 +44,7 @@ private:
     bool Finish();
 
     std::string m_path;
+    FileAccess m_access;
     /// Empty while nothing stands beside.
     std::string m_besidePath;
     StreamOwner m_stream;

@@ -22,20 +22,25 @@ Tool              Sources/Tool               : Headers Platform ExceptionBarrier
 Writers           Sources/Writers            : Headers ExceptionBarrier Diagnostics Text Xml
 Options           Sources/Options            : Text Tool
 Module            Sources/Module             : Headers Platform ExceptionBarrier Diagnostics Text HostFiles Tool Writers
-FenrikCmd         Tools/FenrikCmd            : Platform
+FenrikSettings    Tools/FenrikCmd/Settings   : Platform
+SimulatedSource   Tools/FenrikCmd/Simulated  : Platform FenrikSettings
+KernelSource      Tools/FenrikCmd/KernelAttributes : Platform FenrikSettings
+RedfishSource     Tools/FenrikCmd/Redfish    : Platform FenrikSettings
+FenrikCmd         Tools/FenrikCmd            : Platform FenrikSettings SimulatedSource KernelSource RedfishSource
 biosconfig        Tools/biosconfig           : Headers Platform Text Tool Options Diagnostics/DebugConfCheck.h
 HostExample       Docs                       : Headers
 TestSupport       Tests/Support              : Headers Platform Diagnostics
 WriterTests       Tests/Writers              : Headers Platform Diagnostics Writers TestSupport
-Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml HostFiles Tool Options Writers Module TestSupport
+Tests             Tests                      : Headers Platform HostLibrary ExceptionBarrier Container Diagnostics SingletonManager Text Xml FenrikSettings SimulatedSource KernelSource RedfishSource HostFiles Tool Options Writers Module TestSupport
 Benchmarks        Benchmarks                 : Headers Platform Container Diagnostics Text Xml HostFiles Tool Writers Module TestSupport WriterTests
-Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikCmd HostFiles Tool Options Writers Module
+Fuzzing           Fuzzing                    : Headers Platform Diagnostics Text Xml FenrikSettings SimulatedSource KernelSource RedfishSource HostFiles Tool Options Writers Module
 TABLE
 
 # LIBRARY, how its headers begin, and the files that may include them (one pattern).
 read -r -d '' libraries_table <<'TABLE' || true
 libxml2        libxml/     ^(Sources/Xml|Tools/(biosconfig|FenrikCmd)|Tests|Benchmarks|Fuzzing)/
 nlohmann/json  nlohmann/   ^(Sources/(HostFiles/|Writers/JSONText\.cpp:)|Tools/(biosconfig|FenrikCmd)/|Tests/|Benchmarks/|Fuzzing/)
+libcurl        curl/       ^Tools/FenrikCmd/Redfish/HttpConnection\.cpp:
 CLI11          CLI/        ^Tools/(biosconfig|FenrikCmd)/
 GoogleTest     gtest/      ^Tests/
 benchmark      benchmark/  ^Benchmarks/

@@ -3,8 +3,8 @@
 # For Debian 12, Ubuntu 24.04 and later; runs as root or through sudo and asks nothing.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libxml2-dev nlohmann-json3-dev libcli11-dev libgtest-dev libxml2-utils
-    python3-jsonschema "$@")
+packages=(g++ cmake ninja-build libxml2-dev nlohmann-json3-dev libcli11-dev libcurl4-openssl-dev libgtest-dev
+    libxml2-utils openssl python3-jsonschema "$@")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -25,6 +25,8 @@ constexpr std::uint32_t kNanosecondsPerMillisecond = 1000000;
 constexpr mode_t kAllModeBits = 07777;
 /// As far as the umask lets.
 constexpr mode_t kForEverybody = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+constexpr mode_t kForOwner = S_IRUSR | S_IWUSR;
+constexpr mode_t kOfOthers = S_IRWXG | S_IRWXO;
 
 /// `path` as the system's own functions take it.
 std::string NativePath(const std::string &path)
@@ -204,10 +206,11 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
     return stream;
 }
 
-StreamOwner CreateStream(const std::string &path)
+StreamOwner CreateStream(const std::string &path, FileAccess access)
 {
     const std::string native = NativePath(path);
-    Descriptor descriptor(open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kForEverybody));
+    Descriptor descriptor(open(native.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                               access == FileAccess::OwnerOnly ? kForOwner : kForEverybody));
     ThrowForMemory(descriptor.IsOpen());
     StreamOwner stream(descriptor.IsOpen() ? fdopen(descriptor.Get(), "wb") : nullptr);
     if (stream)
@@ -220,12 +223,44 @@ StreamOwner CreateStream(const std::string &path)
     return stream;
 }
 
+FilesForOwnerOnly::FilesForOwnerOnly() : m_before(umask(kOfOthers)) {}
+
+FilesForOwnerOnly::~FilesForOwnerOnly()
+{
+    umask(m_before);
+}
+
 bool SyncStream(std::FILE *stream)
 {
     return std::fflush(stream) == 0 && (fsync(fileno(stream)) == 0 || errno == EINVAL || errno == ENOTSUP);
 }
 
-bool CopyOwnership(const std::string &path, std::FILE *stream)
+bool RestrictToOwner(std::FILE *stream)
+{
+    struct stat status = {};
+    return fstat(fileno(stream), &status) == 0 &&
+           ((status.st_mode & kOfOthers) == 0 ||
+            fchmod(fileno(stream), status.st_mode & kAllModeBits & ~kOfOthers) == 0);
+}
+
+bool IsRestrictedToOwner(std::FILE *stream)
+{
+    struct stat status = {};
+    return fstat(fileno(stream), &status) == 0 && (status.st_mode & kOfOthers) == 0;
+}
+
+bool ReadLineOfDescriptor(int descriptor, std::string &line)
+{
+    const Descriptor owner(descriptor);
+    line.clear();
+    char character = 0;
+    ssize_t count = 0;
+    while ((count = read(owner.Get(), &character, 1)) == 1 && character != '\n')
+        line += character;
+    return count == 1 || (count == 0 && !line.empty());
+}
+
+bool CopyOwnership(const std::string &path, std::FILE *stream, FileAccess access)
 {
     struct stat wanted = {};
     if (stat(NativePath(path).c_str(), &wanted) != 0)
@@ -236,7 +271,8 @@ bool CopyOwnership(const std::string &path, std::FILE *stream)
     // In this order, because a new owner takes some of the mode away.
     const bool sameOwner = given.st_uid == wanted.st_uid && given.st_gid == wanted.st_gid;
     return (sameOwner || fchown(fileno(stream), wanted.st_uid, wanted.st_gid) == 0) &&
-           fchmod(fileno(stream), wanted.st_mode & kAllModeBits) == 0;
+           fchmod(fileno(stream),
+                  wanted.st_mode & (access == FileAccess::OwnerOnly ? kAllModeBits & ~kOfOthers : kAllModeBits)) == 0;
 }
 
 FileLock::FileLock(const std::string &path, std::uint32_t milliseconds)

@@ -28,6 +28,8 @@ namespace
 constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGTERM, SIGPIPE};
 constexpr timespec kPause = {0, 10'000'000};
 constexpr std::uint64_t kMillisecondsPerSecond = 1000;
+/// For so many pauses children may end in order, when they hear of the end and have something to leave in order.
+constexpr int kPoliteRounds = 500;
 /// What cannot be killed, since it hangs within the system, is not waited for.
 constexpr int kKillRounds = 300;
 
@@ -51,8 +53,8 @@ pid_t TakeNumber(const char *&text)
     return number;
 }
 
-/// Kills the children that this thread has now; false when there is none.
-bool KillChildren()
+/// Sends a signal to the children that this thread has now; false when there is none.
+bool SignalChildren(int signal)
 {
     char text[4096];
     const int list = open("/proc/thread-self/children", O_RDONLY | O_CLOEXEC);
@@ -64,17 +66,18 @@ bool KillChildren()
     const char *rest = text;
     for (pid_t child = 0; (child = TakeNumber(rest)) != 0;)
     {
-        kill(child, SIGKILL);
+        kill(child, signal);
         found = true;
     }
     return found;
 }
 
-/// Kills all that this process has started. What they leave behind becomes this process's own, since it is a subreaper,
+/// Ends all that this process has started. What they leave behind becomes this process's own, since it is a subreaper,
 /// and goes the same way.
 void EndChildren()
 {
-    for (int round = 0; round < kKillRounds && KillChildren(); ++round)
+    for (int round = 0;
+         round < kPoliteRounds + kKillRounds && SignalChildren(round < kPoliteRounds ? SIGTERM : SIGKILL); ++round)
     {
         while (waitpid(-1, nullptr, WNOHANG) > 0)
             continue;

@@ -241,7 +241,7 @@ StreamOwner OpenStream(const std::string &path, const char *mode)
     return stream;
 }
 
-StreamOwner CreateStream(const std::string &path)
+StreamOwner CreateStream(const std::string &path, FileAccess /*access*/)
 {
     const int descriptor =
         _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
@@ -257,13 +257,43 @@ StreamOwner CreateStream(const std::string &path)
     return stream;
 }
 
+FilesForOwnerOnly::FilesForOwnerOnly() : m_before(0) {}
+
+FilesForOwnerOnly::~FilesForOwnerOnly()
+{
+    static_cast<void>(m_before);
+}
+
 bool SyncStream(std::FILE *stream)
 {
     const auto file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
     return std::fflush(stream) == 0 && (GetFileType(file) != FILE_TYPE_DISK || FlushFileBuffers(file));
 }
 
-bool CopyOwnership(const std::string & /*path*/, std::FILE * /*stream*/)
+bool RestrictToOwner(std::FILE * /*stream*/)
+{
+    return true;
+}
+
+bool IsRestrictedToOwner(std::FILE * /*stream*/)
+{
+    return true;
+}
+
+bool ReadLineOfDescriptor(int descriptor, std::string &line)
+{
+    line.clear();
+    char character = 0;
+    int count = 0;
+    while ((count = _read(descriptor, &character, 1)) == 1 && character != '\n')
+        line += character;
+    _close(descriptor);
+    if (line.ends_with('\r'))
+        line.pop_back();
+    return count == 1 || (count == 0 && !line.empty());
+}
+
+bool CopyOwnership(const std::string & /*path*/, std::FILE * /*stream*/, FileAccess /*access*/)
 {
     return true;
 }

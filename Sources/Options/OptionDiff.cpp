@@ -22,7 +22,9 @@ std::string_view OptionChange::NewValue() const
 
 bool AreKnownToDiffer(const BiosOption &before, const BiosOption &after)
 {
-    return !before.isRedacted && !after.isRedacted && !IsSameValue(after, before.currentValue, after.currentValue);
+    const bool areKnown =
+        !before.isRedacted && !after.isRedacted && before.unreadable.empty() && after.unreadable.empty();
+    return areKnown && !IsSameValue(after, before.currentValue, after.currentValue);
 }
 
 std::vector<OptionChange> Diff(const OptionTable &before, const OptionTable &after)

@@ -40,7 +40,7 @@ bool AreKnownToDiffer(const BiosOption &before, const BiosOption &after);
 
 /// What has another value, was added or removed on the way from `before` to `after`, in the order of `before` and then
 /// of `after`. Options are the same by name; of several with one name the first counts. Values are compared as numbers
-/// where both options have them, as texts otherwise.
+/// where both options have them, as texts otherwise; one that could not be read is not compared.
 std::vector<OptionChange> Diff(const OptionTable &before, const OptionTable &after);
 
 /// The options whose value is not their default; each stands on both sides.

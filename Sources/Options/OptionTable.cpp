@@ -4,6 +4,7 @@
 #include "OptionValue.h"
 
 #include <algorithm>
+#include <charconv>
 #include <numeric>
 #include <utility>
 
@@ -50,6 +51,32 @@ std::vector<OptionChoice> ChoicesOf(const KnobDetails &knob)
     return choices;
 }
 
+template <typename Number>
+std::optional<Number> ParseLimit(std::string_view text)
+{
+    Number number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return !text.empty() && error == std::errc() && end == text.data() + text.size() ? std::optional(number)
+                                                                                     : std::nullopt;
+}
+
+/// Adds what the dump of a real machine says.
+void AddFurther(BiosOption &option, const KnobFurther &further)
+{
+    option.sourceKind = further.kind;
+    option.state = further.state;
+    option.unreadable = further.unreadable;
+    option.isReadOnly = further.isReadOnly;
+    option.isSigned = further.isSigned;
+    option.hasDefault = option.hasDefault && further.hasDefault;
+    option.isChanged = option.isChanged && option.hasDefault && option.unreadable.empty();
+    option.limits = {ParseLimit<std::int64_t>(further.least), ParseLimit<std::int64_t>(further.most),
+                     ParseLimit<std::uint64_t>(further.step), ParseLimit<std::uint64_t>(further.minLength),
+                     ParseLimit<std::uint64_t>(further.maxLength)};
+    if (option.limits.step == std::uint64_t{0})
+        option.limits.step.reset();
+}
+
 BiosOption MakeOption(const KnobDetails &knob)
 {
     BiosOption option;
@@ -64,8 +91,8 @@ BiosOption MakeOption(const KnobDetails &knob)
     option.defaultValue = knob.defaultValue;
     option.currentValue = knob.CurrentVal;
     // An empty default is one for a text alone.
-    const bool hasDefault = option.kind == OptionKind::Text || !option.defaultValue.empty();
-    option.isChanged = hasDefault && !IsSameValue(option, option.currentValue, option.defaultValue);
+    option.hasDefault = option.kind == OptionKind::Text || !option.defaultValue.empty();
+    option.isChanged = option.hasDefault && !IsSameValue(option, option.currentValue, option.defaultValue);
     return option;
 }
 
@@ -140,6 +167,9 @@ OptionTable::OptionTable(KnobList &&knobs, const FurtherDetails &further)
         const auto found = m_further.pendingValues.find(&knob);
         if (found != m_further.pendingValues.end())
             m_options.back().pendingValue = found->second;
+        const auto more = m_further.ofKnobs.find(&knob);
+        if (more != m_further.ofKnobs.end())
+            AddFurther(m_options.back(), more->second);
     }
 }
 

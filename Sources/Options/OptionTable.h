@@ -36,8 +36,20 @@ struct OptionChoice
     std::string_view value;
 };
 
-/// One BIOS option. A value is what the dump has: a hexadecimal number, or the text of a text option; empty where the
-/// dump has none.
+/// What a value must keep to beyond size and choices; nothing where the dump does not say.
+struct OptionLimits
+{
+    std::optional<std::int64_t> minimum;
+    std::optional<std::int64_t> maximum;
+    /// A number is the minimum (0 without one) and a multiple of this. Never 0.
+    std::optional<std::uint64_t> step;
+    /// Of a text, in characters.
+    std::optional<std::uint64_t> minLength;
+    std::optional<std::uint64_t> maxLength;
+};
+
+/// One BIOS option. A value is what the dump has: a hexadecimal number, a negative one in decimal ("-5"), or the
+/// text of a text option; empty where the dump has none.
 struct BiosOption
 {
     std::string_view name;
@@ -56,7 +68,20 @@ struct BiosOption
     std::string_view currentValue;
     /// The value that waits for a restart; nothing where the dump tells of none.
     std::optional<std::string_view> pendingValue;
-    /// Whether the current value is another one than the default, where the dump tells of one.
+    OptionLimits limits;
+    /// The source's own word for the kind; empty where the dump has none.
+    std::string_view sourceKind;
+    /// "locked" or "hidden", what its condition makes of it now; empty where the dump does not say.
+    std::string_view state;
+    /// Why there is no current value; empty where there is one.
+    std::string_view unreadable;
+    /// Nobody can give it another value.
+    bool isReadOnly = false;
+    /// A number may be negative.
+    bool isSigned = false;
+    /// Whether the dump tells of a default.
+    bool hasDefault = false;
+    /// Whether the current value is another one than the default, where the dump tells of both.
     bool isChanged = false;
     /// The values are not to be shown, and may have been taken out (Redaction.h).
     bool isRedacted = false;
@@ -72,6 +97,9 @@ public:
     OptionTable(std::deque<std::string> &&texts, std::vector<BiosOption> &&options);
     OptionTable(OptionTable &&) = default;
     OptionTable &operator=(OptionTable &&) = delete;
+
+    /// Whether the values are not for everybody: what holds them is to be kept from others.
+    bool ValuesNeedRights() const { return m_further.valuesNeedRights; }
 
     /// Whether the dump tells which values wait for a restart.
     bool TellsPending() const { return m_further.tellsPending || !m_further.pendingValues.empty(); }

@@ -103,8 +103,49 @@ JudgedValue JudgeChoice(const BiosOption &option, std::string_view value)
     return {"", "", Named(option, value) + " is no choice; there are: " + ChoicesText(option)};
 }
 
+std::optional<std::int64_t> WrittenSignedNumber(std::string_view text)
+{
+    constexpr std::uint64_t kMostNegative = std::uint64_t{1} << 63;
+    const bool isNegative = text.starts_with('-');
+    const std::optional<std::uint64_t> number = WrittenNumber(text.substr(isNegative ? 1 : 0));
+    if (!number || *number > kMostNegative - (isNegative ? 0 : 1))
+        return std::nullopt;
+    return static_cast<std::int64_t>(isNegative ? 0 - *number : *number);
+}
+
+/// Why the limits bar `number`; empty where they do not.
+std::string LimitProblem(const BiosOption &option, std::int64_t number)
+{
+    const OptionLimits &limits = option.limits;
+    const std::int64_t start = limits.minimum.value_or(0);
+    const std::string named = Named(option, std::to_string(number));
+    if (limits.minimum && number < *limits.minimum)
+        return named + " is too small; the smallest number is " + std::to_string(*limits.minimum);
+    if (limits.maximum && number > *limits.maximum)
+        return named + " is too large; the largest number is " + std::to_string(*limits.maximum);
+    const std::uint64_t distance = static_cast<std::uint64_t>(number) - static_cast<std::uint64_t>(start);
+    if (limits.step && (number < start ? 0 - distance : distance) % *limits.step != 0)
+        return named + " is between two steps; they are " + std::to_string(*limits.step) + " apart, from " +
+               std::to_string(start) + " on";
+    return "";
+}
+
+JudgedValue JudgeSigned(const BiosOption &option, std::string_view value)
+{
+    const std::optional<std::int64_t> number = WrittenSignedNumber(value);
+    if (!number)
+        return {"", "", Named(option, value) + " is not a number; write it in decimal, or in hexadecimal with 0x"};
+    const std::string problem = LimitProblem(option, *number);
+    if (!problem.empty())
+        return {"", "", problem};
+    return {std::string(value), *number < 0 ? std::to_string(*number) : HexText(static_cast<std::uint64_t>(*number)),
+            ""};
+}
+
 JudgedValue JudgeNumber(const BiosOption &option, std::string_view value)
 {
+    if (option.isSigned)
+        return JudgeSigned(option, value);
     const std::optional<std::uint64_t> number = WrittenNumber(value);
     if (!number)
         return {"", "", Named(option, value) + " is not a number; write it in decimal, or in hexadecimal with 0x"};
@@ -156,6 +197,16 @@ JudgedValue JudgeText(const BiosOption &option, std::string_view value)
                     std::to_string(option.size)};
     if (!IsPrintableUtf8(value))
         return {"", "", "the text is not printable UTF-8"};
+    const auto length = static_cast<std::uint64_t>(std::count_if(
+        value.begin(), value.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80; }));
+    const std::uint64_t least = option.limits.minLength.value_or(0);
+    if (length < least)
+        return {"", "",
+                "the text has " + std::to_string(length) + " characters; the shortest has " + std::to_string(least)};
+    if (option.limits.maxLength && length > *option.limits.maxLength)
+        return {"", "",
+                "the text has " + std::to_string(length) + " characters; the longest has " +
+                    std::to_string(*option.limits.maxLength)};
     return {std::string(value), std::string(value), ""};
 }
 
@@ -202,6 +253,11 @@ const OptionChoice *ChoiceOf(const BiosOption &option, std::string_view value)
 std::string ValueText(const BiosOption &option, std::string_view value)
 {
     return option.isRedacted ? std::string(kRedacted) : PlainText(option, value);
+}
+
+std::string CurrentText(const BiosOption &option)
+{
+    return option.unreadable.empty() || option.isRedacted ? ValueText(option, option.currentValue) : "(unreadable)";
 }
 
 std::optional<std::uint64_t> ValueNumber(const BiosOption &option, std::string_view value)
@@ -280,4 +336,77 @@ bool IsBarred(const OptionCondition &condition, std::uint64_t number)
                           : comparison.starts_with('>') ? number > condition.number
                                                         : false;
     return isBeyond || (mayBeEqual && isEqual);
+}
+
+namespace
+{
+
+struct RuleWord
+{
+    std::string_view word;
+    /// What it makes of the option, for a message.
+    std::string_view effect;
+    bool isForcing;
+    bool isNegated;
+};
+
+constexpr RuleWord kRuleWords[] = {
+    {"ReadOnlyIf:", "is locked", false, false}, {"ReadOnlyIfNot:", "is locked", false, true},
+    {"SuppressIf:", "is hidden", false, false}, {"SuppressIfNot:", "is hidden", false, true},
+    {"ForceIf:", "has to be ", true, false},    {"ForceIfNot:", "has to be ", true, true}};
+
+/// One rule of a condition. All are parts of its text.
+struct Rule
+{
+    const RuleWord *word;
+    std::string_view name;
+    std::string_view value;
+};
+
+/// Takes what stands between brackets; nothing where it is of no known form.
+std::optional<Rule> ParseRule(std::string_view text)
+{
+    const auto *const word = std::find_if(std::begin(kRuleWords), std::end(kRuleWords),
+                                          [&](const RuleWord &known) { return text.starts_with(known.word); });
+    const std::size_t equals = text.find('=');
+    if (word == std::end(kRuleWords) || equals == std::string_view::npos)
+        return std::nullopt;
+    return Rule{word, text.substr(word->word.size(), equals - word->word.size()), text.substr(equals + 1)};
+}
+
+std::string_view TrimBlanks(std::string_view text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+} // namespace
+
+std::string BarringRule(const BiosOption &option, std::string_view value,
+                        const std::function<std::optional<std::string>(std::string_view name)> &textOf)
+{
+    std::string_view condition = option.condition;
+    // The value that a forcing rule is about stands in front of the first of its rules.
+    std::string_view forced;
+    while (!condition.empty())
+    {
+        const std::size_t open = std::min(condition.find('['), condition.size());
+        const std::size_t close = condition.find(']', open);
+        if (close == std::string_view::npos)
+            break;
+        const std::string_view before = condition.substr(0, open);
+        if (!before.empty())
+            forced = TrimBlanks(before.substr(before.rfind(';') + 1));
+        const std::optional<Rule> rule = ParseRule(condition.substr(open + 1, close - open - 1));
+        condition.remove_prefix(close + 1);
+        if (!rule || (rule->word->isForcing && PlainText(option, value) == forced))
+            continue;
+        const std::optional<std::string> text = textOf(rule->name);
+        if (!text || (*text == rule->value) == rule->word->isNegated)
+            continue;
+        return "the option " + std::string(rule->word->effect) + (rule->word->isForcing ? Quoted(forced) : "") +
+               " while " + std::string(rule->name) + (rule->word->isNegated ? " is not " : " is ") +
+               Quoted(rule->value);
+    }
+    return "";
 }

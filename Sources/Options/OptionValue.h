@@ -3,6 +3,7 @@
 #include "OptionTable.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ const OptionChoice *ChoiceOf(const BiosOption &option, std::string_view value);
 /// What people call a value: the choice's text; a number in decimal; "0x5" where it is none of the choices; the text.
 /// "(redacted)" for a redacted option.
 std::string ValueText(const BiosOption &option, std::string_view value);
+
+/// What people call the current value: as ValueText, or "(unreadable)" where the machine did not tell it.
+std::string CurrentText(const BiosOption &option);
 
 /// The number of a value, where it is one. Nothing for a redacted option.
 std::optional<std::uint64_t> ValueNumber(const BiosOption &option, std::string_view value);
@@ -53,6 +57,12 @@ std::optional<std::string> WritableValue(const BiosOption &option, std::string_v
 /// Nothing for every other one.
 template <typename CurrentValue>
 std::optional<bool> IsConditionMet(std::string_view condition, CurrentValue currentValue);
+
+/// Why the conditions of `option` that a driver of a real machine gives ("[ReadOnlyIf:Other=Value]",
+/// "[SuppressIfNot:Other=Value]", "Own[ForceIf:Other=Value]") bar the value `value` of a dump; empty where they do not,
+/// or where they cannot be judged. `textOf` gives the text of the value of the option of a name, or nothing.
+std::string BarringRule(const BiosOption &option, std::string_view value,
+                        const std::function<std::optional<std::string>(std::string_view name)> &textOf);
 
 /// The parts of such a condition.
 struct OptionCondition

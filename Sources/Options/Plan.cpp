@@ -41,7 +41,10 @@ public:
         for (const TemplateAssignment &assignment : m_content.assignments)
             Take(assignment);
         for (const PlannedChange &change : m_plan.changes)
+        {
             CheckCondition(change);
+            CheckRules(change);
+        }
         if (m_plan.IsSound() && m_plan.ToDo() == 0)
             Add(Severity::Note, {}, "nothing-to-do",
                 m_plan.changes.empty() ? "nothing is assigned" : "every option has its value already");
@@ -61,12 +64,19 @@ private:
         if (!option)
             return Add(Severity::Error, assignment, "unknown-option", UnknownText(assignment.name));
         JudgedValue judged = JudgeValue(*option, assignment.value);
+        const bool isKnown = option->unreadable.empty();
+        // What cannot be changed may be assigned as it is, whatever limits say.
+        if (!judged.problem.empty() && option->isReadOnly && isKnown && assignment.value == option->currentValue)
+            judged = {std::string(assignment.value), std::string(assignment.value), ""};
         if (!judged.problem.empty())
             return Add(Severity::Error, assignment, "invalid-value", judged.problem);
         const auto [earlier, isFirst] = m_first.emplace(assignment.name, m_plan.changes.size());
         if (!isFirst)
             return TakeAgain(assignment, *option, judged, m_plan.changes[earlier->second]);
-        const bool isToDo = !IsSameValue(*option, judged.inDump, EffectiveValue(*option));
+        const bool isToDo = !isKnown || !IsSameValue(*option, judged.inDump, EffectiveValue(*option));
+        if (isToDo && option->isReadOnly)
+            return Add(Severity::Error, assignment, "read-only",
+                       isKnown ? "the option is read-only" : "the option is read-only, and its value is not known");
         m_plan.changes.push_back(
             {option, std::move(judged.forTool), std::move(judged.inDump), isToDo, assignment.place});
     }
@@ -87,6 +97,35 @@ private:
         const std::string_view nearest = m_nearestNames++ < kMostNearestNames ? m_table.NearestName(name) : "";
         return "there is no option \"" + std::string(name) + "\"" +
                (nearest.empty() ? "" : "; did you mean \"" + std::string(nearest) + "\"?");
+    }
+
+    /// The value of an option behind the update, as a dump has it; nothing where it is not known.
+    std::optional<std::string_view> PlannedValue(const BiosOption &option) const
+    {
+        const auto planned = m_first.find(option.name);
+        if (planned != m_first.end())
+            return m_plan.changes[planned->second].newValue;
+        return option.unreadable.empty() ? std::optional(EffectiveValue(option)) : std::nullopt;
+    }
+
+    /// The rules of a real machine's driver, which the tool keeps to.
+    void CheckRules(const PlannedChange &change)
+    {
+        const BiosOption &option = *change.option;
+        // Where several devices have an option of one name, its device stands in front.
+        const std::size_t prefix = option.name.rfind('/') + 1;
+        const auto textOf = [&](std::string_view name) -> std::optional<std::string>
+        {
+            const BiosOption *other = m_table.Find(std::string(option.name.substr(0, prefix)).append(name));
+            other = other ? other : m_table.Find(name);
+            const std::optional<std::string_view> value =
+                other && !other->isRedacted ? PlannedValue(*other) : std::nullopt;
+            return value ? std::optional(ValueText(*other, *value)) : std::nullopt;
+        };
+        const std::string problem = change.isToDo ? BarringRule(option, change.newValue, textOf) : "";
+        if (!problem.empty())
+            m_plan.findings.push_back(
+                {Severity::Error, change.place, std::string(option.name), "condition-not-met", problem});
     }
 
     /// The conditions are about the values behind the update.
@@ -143,8 +182,19 @@ Plan PlanDefaults(std::span<const BiosOption *const> options)
     for (const BiosOption *const option : options)
     {
         const std::optional<std::string> forTool = WritableValue(*option, option->defaultValue);
-        if (IsSameValue(*option, option->defaultValue, EffectiveValue(*option)))
+        const bool isSame =
+            option->unreadable.empty() && IsSameValue(*option, option->defaultValue, EffectiveValue(*option));
+        if (option->kind == OptionKind::Text && !option->hasDefault)
+            plan.findings.push_back({Severity::Error,
+                                     {},
+                                     std::string(option->name),
+                                     "no-default",
+                                     "the firmware does not tell the option's default"});
+        else if (isSame)
             plan.changes.push_back({option, "", std::string(option->defaultValue), false, {}});
+        else if (option->isReadOnly)
+            plan.findings.push_back(
+                {Severity::Error, {}, std::string(option->name), "read-only", "the option is read-only"});
         else if (forTool)
             plan.changes.push_back({option, *forTool, std::string(option->defaultValue), true, {}});
         else
@@ -168,12 +218,15 @@ Verdict Verify(const PlannedChange &change, const OptionTable &after)
     const BiosOption *const option = after.Find(change.option->name);
     if (!option)
         return Verdict::Mismatch;
+    // Nobody can tell.
+    if (!option->unreadable.empty())
+        return change.isToDo ? Verdict::PendingRestart : Verdict::Unchanged;
     const auto isNew = [&](std::string_view value) { return IsSameValue(*option, value, change.newValue); };
     if (isNew(option->currentValue) && isNew(option->pendingValue.value_or(option->currentValue)))
         return change.isToDo ? Verdict::InEffect : Verdict::Unchanged;
     if (option->pendingValue)
         return isNew(*option->pendingValue) ? Verdict::PendingRestart : Verdict::Mismatch;
-    if (!IsSameValue(*option, option->currentValue, change.option->currentValue))
+    if (change.option->unreadable.empty() && !IsSameValue(*option, option->currentValue, change.option->currentValue))
         return Verdict::Mismatch;
     return after.TellsPending() ? Verdict::Rejected : Verdict::PendingRestart;
 }

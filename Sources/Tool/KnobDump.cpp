@@ -19,6 +19,27 @@ namespace
 constexpr const char *kDumpFile = "FenrikOutput.xml";
 constexpr const char *kPendingCount = "pending";
 constexpr const char *kPendingValue = "PendingVal";
+constexpr const char *kNeedRights = "valuesNeedRights";
+/// The dump of a real machine has it with every knob.
+constexpr const char *kSourceKind = "kind";
+constexpr const char *kTrue = "TRUE";
+
+struct FurtherAttribute
+{
+    const char *name;
+    std::string KnobFurther::*field;
+};
+
+constexpr FurtherAttribute kFurtherAttributes[] = {
+    {kSourceKind, &KnobFurther::kind},
+    {"min", &KnobFurther::least},
+    {"max", &KnobFurther::most},
+    {"step", &KnobFurther::step},
+    {"minLength", &KnobFurther::minLength},
+    {"maxLength", &KnobFurther::maxLength},
+    {"state", &KnobFurther::state},
+    {"unreadable", &KnobFurther::unreadable},
+};
 
 /// The tool's own entry for its security device; not a BIOS option.
 constexpr const char *kHiddenKnob = "TpmDevice";
@@ -183,12 +204,35 @@ const KnobDetails *CollectKnob(xmlNodePtr node, KnobList &knobs)
     return nullptr;
 }
 
+bool IsMarked(xmlNodePtr node, const char *attribute)
+{
+    const CCXmlValueOwner value = CCXmlReadAttribute(node, attribute);
+    return value && std::strcmp(value.get(), kTrue) == 0;
+}
+
+KnobFurther ReadFurther(xmlNodePtr node)
+{
+    KnobFurther further;
+    for (const FurtherAttribute &attribute : kFurtherAttributes)
+    {
+        const CCXmlValueOwner value = CCXmlReadAttribute(node, attribute.name);
+        if (value)
+            further.*attribute.field = value.get();
+    }
+    further.isReadOnly = IsMarked(node, "readOnly");
+    further.isSigned = IsMarked(node, "signed");
+    further.hasDefault = CCXmlReadAttribute(node, "default") != nullptr;
+    return further;
+}
+
 /// What a dump tells of a knob beyond its record, for those that ask for it.
 void CollectFurther(xmlNodePtr node, const KnobDetails &knob, FurtherDetails &further)
 {
     const CCXmlValueOwner pending = CCXmlReadAttribute(node, kPendingValue);
     if (pending)
         further.pendingValues[&knob] = pending.get();
+    if (CCXmlReadAttribute(node, kSourceKind))
+        further.ofKnobs[&knob] = ReadFurther(node);
 }
 
 /// Turns the dump's knobs into records. Each knob's part of the tree is freed as soon as it has been read, while it is
@@ -258,6 +302,7 @@ DumpOutcome ReadDumpFile(const std::string &file, KnobList &knobs, FurtherDetail
         return DumpOutcome::NoDump;
     const xmlNodePtr knobsNode = FindKnobs(root);
     further.tellsPending = CCXmlReadAttribute(knobsNode, kPendingCount) != nullptr;
+    further.valuesNeedRights = IsMarked(knobsNode, kNeedRights);
     KnobList all = CollectKnobs(knobsNode, &further);
     knobs.Swap(all);
     return knobs.IsEmpty() ? DumpOutcome::NoKnobs : DumpOutcome::Read;

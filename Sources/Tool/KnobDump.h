@@ -24,6 +24,28 @@ Status readKnob(KnobList &knobs, const std::string &listFile, std::int32_t *dama
 /// Fills a fresh record from a node of the dump. Returns Success; Failed when the node is no usable knob; NoMemory.
 Status getknobDetails(_xmlNode *knobNode, KnobDetails &record);
 
+/// What the dump of a real machine may tell of a knob beyond its record. Empty texts: it does not.
+struct KnobFurther
+{
+    /// The source's own word for the kind (kind), such as "enumeration".
+    std::string kind;
+    /// Decimal numbers: the limits of a number (min, max, step) and of the length of a text in characters (minLength,
+    /// maxLength).
+    std::string least;
+    std::string most;
+    std::string step;
+    std::string minLength;
+    std::string maxLength;
+    /// "locked" or "hidden" (state): what its condition makes of it now.
+    std::string state;
+    /// Why there is no current value (unreadable).
+    std::string unreadable;
+    bool isReadOnly = false;
+    /// Whether a number may be negative (signed).
+    bool isSigned = false;
+    bool hasDefault = true;
+};
+
 /// What a dump may tell beyond the records of its knobs; texts are UTF-8.
 struct FurtherDetails
 {
@@ -31,6 +53,10 @@ struct FurtherDetails
     bool tellsPending = false;
     /// By the records of a list, the values that become current with the next restart, as CurrentVal has them.
     std::unordered_map<const KnobDetails *, std::string> pendingValues;
+    /// By the records of a list; those alone that have the attribute kind.
+    std::unordered_map<const KnobDetails *, KnobFurther> ofKnobs;
+    /// Whether the values are not for everybody (the attribute valuesNeedRights of biosknobs).
+    bool valuesNeedRights = false;
 };
 
 enum class DumpOutcome

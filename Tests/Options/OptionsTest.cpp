@@ -213,6 +213,53 @@ TEST(Options, TemplatesArePlannedWithTheirPlaces)
     EXPECT_EQ(WriteTemplate({{"A", "1"}, {"B", ""}}, kIni), "[BiosKnobs]\nA==1\nB==\n");
 }
 
+/// What dumps of real machines have: limits, a read-only option, one that cannot be read, rules of a driver.
+constexpr const char *kRealKnobs = R"XML(
+<knob setupType="numeric" name="Fan" size="8" kind="integer" signed="TRUE" min="-10" max="20" step="5" default="0x0" CurrentVal="-5"/>
+<knob setupType="numeric" name="Wide" size="8" kind="integer" signed="TRUE" CurrentVal="0x1"/>
+<knob setupType="text" name="Tag" size="0" kind="string" minLength="2" maxLength="3" CurrentVal="ab"/>
+<knob setupType="text" name="Fixed" size="2" kind="string" readOnly="TRUE" default="" CurrentVal="too long"/>
+<knob setupType="text" name="Dark" size="0" kind="string" unreadable="permission denied" CurrentVal=""/>
+<knob setupType="oneof" name="d/Mode" size="1" kind="enumeration" depex="[ReadOnlyIf:My Key=On][SuppressIfNot:Fan=-5] Off[ForceIf:Tag=xy];Auto" default="0x0" CurrentVal="0x1"><options><option text="Off" value="0x0"/><option text="Auto" value="0x1"/></options></knob>
+<knob setupType="oneof" name="d/My Key" size="1" kind="enumeration" CurrentVal="0x0"><options><option text="Off" value="0x0"/><option text="On" value="0x1"/></options></knob>)XML";
+
+constexpr TemplateCase kRealCases[] = {
+    {kIni, "Fan=-10\nTag=\xC3\xA9\xC3\xA9\nd/Mode=Auto", "Fan=-10!|Tag=\xC3\xA9\xC3\xA9!|d/Mode=Auto|"},
+    {kIni, "Fan=-15\nTag=a", "1:1 invalid-value Fan|2:1 invalid-value Tag|"},
+    {kIni, "Fan=25\nTag=abcd", "1:1 invalid-value Fan|2:1 invalid-value Tag|"},
+    {kIni, "Fan=4\nWide=-0x10", "1:1 invalid-value Fan|Wide=-0x10!|"},
+    {kIni, "Wide=-9223372036854775808", "Wide=-9223372036854775808!|"},
+    {kIni, "Wide=9223372036854775808", "1:1 invalid-value Wide|"},
+    {kIni, "Fixed=too long\nTag=xyz", "Fixed=too long|Tag=xyz!|"},
+    {kIni, "Fixed=x", "1:1 read-only Fixed|"},
+    {kIni, "Dark=\nWide=1", "Dark=!|Wide=1|"}, // nobody knows whether it is empty
+    {kIni, "d/Mode=Off", "d/Mode=Off!|"},
+    {kIni, "d/Mode=Off\nd/My Key=1", "1:1 condition-not-met d/Mode|d/Mode=Off!|d/My Key=1!|"},
+    {kIni, "d/Mode=Off\nFan=5", "1:1 condition-not-met d/Mode|d/Mode=Off!|Fan=5!|"},
+};
+
+TEST(Options, RealMachinesSayWhatTheyTake)
+{
+    const OptionTable table = Table(kRealKnobs, " valuesNeedRights=\"TRUE\"");
+    EXPECT_TRUE(table.ValuesNeedRights());
+    for (const TemplateCase &each : kRealCases)
+        EXPECT_EQ(Describe(MakePlan(table, ReadTemplate(each.text, each.kind), each.kind)), each.plan) << each.text;
+    const BiosOption &mode = *table.Find("d/Mode");
+    const auto xy = [](std::string_view name)
+    { return name == "Tag" ? std::optional<std::string>("xy") : std::nullopt; };
+    EXPECT_EQ(BarringRule(mode, "0x1", xy), "the option has to be \"Off\" while Tag is \"xy\"");
+    EXPECT_EQ(BarringRule(mode, "0x0", xy), "");
+
+    EXPECT_EQ(CurrentText(*table.Find("Dark")), "(unreadable)");
+    EXPECT_EQ(DiffToDefaults(table).size(), 3U); // not where the default or the value is unknown
+    EXPECT_TRUE(Diff(Table(R"(<knob name="Dark" setupType="text" CurrentVal="x"/>)"), table).size() == 6U);
+    const BiosOption *const options[] = {table.Find("Fan"), table.Find("Tag"), table.Find("Fixed")};
+    const Plan plan = PlanDefaults(options);
+    EXPECT_EQ(Describe(plan), "0:0 no-default Tag|0:0 read-only Fixed|Fan=0!|");
+    const Plan dark = MakePlan(table, ReadAssignments({"Dark="}), kText);
+    EXPECT_EQ(Verify(dark.changes.at(0), table), Verdict::PendingRestart);
+}
+
 TEST(Options, DefaultsArePlannedAndWhatIsReadBackIsJudged)
 {
     const OptionTable table = Table();

@@ -35,7 +35,10 @@ std::string Evaluate(const std::string &dump, const std::string &expression)
 class FenrikCmdTest : public testing::Test
 {
 protected:
-    FenrikCmdTest() { std::filesystem::copy_file(FENRIKCMD_PROGRAM, Path("FenrikCmd.exe")); }
+    FenrikCmdTest() : m_source("FENRIKCMD_SOURCE", "")
+    {
+        std::filesystem::copy_file(FENRIKCMD_PROGRAM, Path("FenrikCmd.exe"));
+    }
 
     Outcome Run(const std::string &arguments) const
     {
@@ -67,6 +70,7 @@ protected:
 
 private:
     TemporaryDirectory m_directory;
+    EnvironmentSetting m_source;
 };
 
 TEST_F(FenrikCmdTest, DumpIsLaidOutAsTheToolDoes)
@@ -206,6 +210,31 @@ TEST_F(FenrikCmdTest, DamagedFirmwareIsNamedAndKept)
     }
     RunWell("reset");
     RunWell("fenrikstatus");
+}
+
+TEST_F(FenrikCmdTest, DamagedConfigurationIsNoSource)
+{
+    for (const char *const damaged : {"sorce = simulated\n", "source = other\n", "source = redfish\n"})
+    {
+        WriteFile(Path("FenrikCmd.conf"), damaged);
+        for (const std::string &command : {std::string("fenrikstatus"), SaveCommand(), std::string("pending"),
+                                           std::string("reset"), std::string("restart")})
+        {
+            const Outcome outcome = Run(command);
+            EXPECT_EQ(outcome.exitCode, kFirmwareUnreadable) << command;
+            EXPECT_PRED_FORMAT2(testing::IsSubstring, "FenrikCmd.conf", outcome.messages);
+        }
+    }
+    WriteFile(Path("FenrikCmd.conf"), "source = simulated\nroot = none\n");
+    RunWell("fenrikstatus");
+    EXPECT_FALSE(std::filesystem::exists(DumpPath()));
+    for (const auto &[source, exitCode] : {std::pair("kernal", kFirmwareUnreadable),
+                                           {"kernel", kInterfaceDisabled},
+                                           {"kernel:nowhere", kInterfaceDisabled}})
+    {
+        const EnvironmentSetting setting("FENRIKCMD_SOURCE", source);
+        EXPECT_EQ(Run("fenrikstatus").exitCode, exitCode) << source;
+    }
 }
 
 struct FaultCase

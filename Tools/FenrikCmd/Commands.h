@@ -5,6 +5,9 @@
 #include <span>
 #include <string>
 
+/// What messages begin with.
+constexpr const char *kProgramName = "FenrikCmd.exe";
+
 /// What a command is run with.
 struct Invocation
 {
@@ -19,6 +22,7 @@ struct Command
     const char *name;
     /// What the argument is called in the help; null for a command without one.
     const char *argument;
+    bool isArgumentRequired;
     const char *help;
     void (*run)(const Invocation &invocation);
 };

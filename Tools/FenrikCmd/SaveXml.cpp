@@ -2,6 +2,7 @@
 
 #include "Dump.h"
 #include "Platform.h"
+#include "SimulatedSource.h"
 #include "WholeFile.h"
 
 namespace
@@ -12,19 +13,20 @@ constexpr const char *kWrongRootName = "FIRMWARE";
 /// Enough options for more than 100 MB.
 constexpr std::uint32_t kBigKnobCount = 100'000;
 
-bool WriteHalf(const Firmware &firmware, std::FILE *stream)
+bool WriteHalf(SettingsSource &source, std::FILE *stream)
 {
     std::string dump;
+    std::size_t count = 0;
     const auto toMemory = [&dump](std::string_view piece)
     {
         dump += piece;
         return true;
     };
-    return WriteDump(firmware, kRootName, toMemory) &&
+    return WriteDump(source, kRootName, toMemory, count) &&
            Platform::WriteText(stream, std::string_view(dump).substr(0, dump.size() / 2));
 }
 
-bool WriteContent(const Firmware &firmware, FaultKind fault, std::FILE *stream)
+bool WriteContent(SettingsSource &source, FaultKind fault, std::FILE *stream, std::size_t &count)
 {
     const auto toFile = [stream](std::string_view piece) { return Platform::WriteText(stream, piece); };
     switch (fault)
@@ -32,24 +34,41 @@ bool WriteContent(const Firmware &firmware, FaultKind fault, std::FILE *stream)
     case FaultKind::EmptyDump:
         return true;
     case FaultKind::HalfDump:
-        return WriteHalf(firmware, stream);
-    case FaultKind::WrongRoot:
-        return WriteDump(firmware, kWrongRootName, toFile);
+        return WriteHalf(source, stream);
     case FaultKind::BigDump:
-        return WriteDump(GeneratedFirmware(kBigKnobCount), kRootName, toFile);
-    default:
-        return WriteDump(firmware, kRootName, toFile);
+    {
+        SimulatedSource big(GeneratedFirmware(kBigKnobCount));
+        return WriteDump(big, kRootName, toFile, count);
     }
+    default:
+        return WriteDump(source, fault == FaultKind::WrongRoot ? kWrongRootName : kRootName, toFile, count);
+    }
+}
+
+std::size_t Count(SettingsSource &source)
+{
+    std::size_t count = 0;
+    source.List(
+        [&count](const Setting & /*setting*/)
+        {
+            ++count;
+            return true;
+        });
+    return count;
 }
 
 } // namespace
 
-void SaveXml(const Firmware &firmware, const std::string &path, FaultKind fault)
+std::size_t SaveXml(SettingsSource &source, const std::string &path, FaultKind fault)
 {
+    std::size_t count = 0;
     if (fault == FaultKind::NoDump)
-    {
         Platform::RemoveFile(path);
-        return;
-    }
-    WriteWholeFile(path, [&](std::FILE *stream) { return WriteContent(firmware, fault, stream); });
+    else
+        WriteWholeFile(
+            path, [&](std::FILE *stream) { return WriteContent(source, fault, stream, count); },
+            source.ValuesNeedRights() ? Platform::FileAccess::OwnerOnly : Platform::FileAccess::Usual);
+    // A dump that is not what the source has does not tell.
+    const bool isCounted = fault == FaultKind::None || fault == FaultKind::WrongRoot;
+    return isCounted ? count : Count(source);
 }

@@ -11,14 +11,20 @@ namespace
 {
 
 constexpr const char *kFooter = R"(
-The firmware is kept in FenrikFirmware.json beside the program; the first command makes it.
+Where the settings come from says FenrikCmd.conf beside the program, or the environment
+variable FENRIKCMD_SOURCE:
+  simulated    a simulated firmware, also without a configuration; it is kept in
+               FenrikFirmware.json beside the program, the first command makes it
+  kernel       this machine, through the Linux kernel's firmware attributes; kernel:ROOT
+               takes them from the folder ROOT
+  redfish:URL  the machine of a Redfish service
 
 Exit codes:
   0  success
   1  bad command line, knob file or number of options
-  2  the firmware file is damaged or cannot be read
-  3  the BIOS interface is disabled
-  4  a file cannot be written
+  2  the settings, their file or the configuration is damaged or cannot be read
+  3  the BIOS interface is disabled or missing, or the configuration does not permit it
+  4  a file or a setting cannot be written
   5  FENRIKCMD_FAULT names no fault
   6  anything else, such as want of memory
 
@@ -44,13 +50,13 @@ void DescribeCommandLine(CLI::App &app, std::string &argument)
     {
         CLI::App *const subcommand = app.add_subcommand(command.name, command.help);
         if (command.argument)
-            subcommand->add_option(command.argument, argument)->required()->type_name("");
+            subcommand->add_option(command.argument, argument)->required(command.isArgumentRequired)->type_name("");
     }
 }
 
 int Report(ExitCode code, const std::string &message)
 {
-    std::cerr << "FenrikCmd.exe: " << message << ".\n";
+    std::cerr << kProgramName << ": " << message << ".\n";
     return static_cast<int>(code);
 }
 
@@ -69,7 +75,7 @@ int RunCommand(const Command &command, const std::string &argument)
 
 int RunCommandLine(int argc, char **argv)
 {
-    CLI::App app("Stand-in for the BIOS configuration tool, with a simulated firmware", "FenrikCmd.exe");
+    CLI::App app("BIOS configuration tool for real machines and for a simulated one", kProgramName);
     std::string argument;
     DescribeCommandLine(app, argument);
     try

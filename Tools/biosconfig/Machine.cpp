@@ -101,6 +101,8 @@ LoadedOptions ReadDumpFile(const std::string &file, Output &output)
         output.Tell(Severity::Warning, "damaged-dump",
                     "the dump " + path + " is damaged in line " + std::to_string(damagedLine) +
                         "; options may be missing");
+    if (further.valuesNeedRights)
+        output.RestrictToOwner();
     return {OptionTable(std::move(knobs), further), damagedLine != 0};
 }
 

@@ -13,6 +13,7 @@
 #include "Steps.h"
 #include "TemporaryFolder.h"
 #include "ToolProgram.h"
+#include "ValueFiles.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,6 +25,8 @@ namespace
 constexpr std::uint32_t kLongestWait = 10'000; // milliseconds
 constexpr const char *kCapabilitiesFile = "CapsList.json";
 constexpr const char *kErrorFile = "Error.xml";
+/// Where the module puts its reports, in the tool directory.
+constexpr const char *kReportFolder = "ModuleData";
 /// For a module that is given no tool directory.
 constexpr std::string_view kOwnCapabilities = R"({"Tarnwell": {"CapabilityList": {"BIOS Options": [
     {"Name": "Bios Options", "Description": "All setup options of this machine's BIOS"}]}}})";
@@ -141,6 +144,7 @@ ExitCode MakeData(const Arguments &arguments, std::string &data)
 {
     const std::string toolDirectory = ToolDirectory(arguments);
     const bool isReport = arguments.command == Command::Report;
+    const FilesWithValues files(arguments, toolDirectory + kReportFolder);
     const ErrorFileWatch watch(toolDirectory + kErrorFile);
     for (const std::string &fault : CheckDebugConf())
         Tell(fault);
@@ -169,10 +173,18 @@ bool IsStored(ExitCode outcome, const Arguments &arguments)
     return outcome == ExitCode::Done || outcome == ExitCode::InPart || arguments.outputPath == kStandardOutput;
 }
 
+/// Keeps the output from others where the options' values are not for everybody.
+void RestrictIfNeeded(const Arguments &arguments, OutputFile &output)
+{
+    if (arguments.command == Command::Report && ValuesNeedRights(arguments))
+        output.RestrictToOwner();
+}
+
 ExitCode Make(const Arguments &arguments, OutputFile &output)
 {
     std::string data;
     const ExitCode outcome = MakeData(arguments, data);
+    RestrictIfNeeded(arguments, output);
     if (IsStored(outcome, arguments))
         output.Write(data);
     return outcome;
@@ -184,6 +196,7 @@ ExitCode MakeInTime(const Arguments &arguments, char *const *commandLine, Output
 {
     const std::uint32_t exitCode = RunReportWorker(arguments, commandLine, output.Stream());
     const auto outcome = static_cast<ExitCode>(exitCode);
+    RestrictIfNeeded(arguments, output);
     if (IsStored(outcome, arguments))
         output.Commit();
     return outcome;
@@ -194,6 +207,8 @@ ExitCode MakeInTime(const Arguments &arguments, char *const *commandLine, Output
 ExitCode ReportOrCapabilities(const Arguments &arguments, char *const *commandLine)
 {
     OutputFile output(arguments.outputPath);
+    // As far as is known already.
+    RestrictIfNeeded(arguments, output);
     return arguments.timeLimit == 0 ? Make(arguments, output) : MakeInTime(arguments, commandLine, output);
 }
 
@@ -216,6 +231,7 @@ std::string ProgramTemplate(const Arguments &arguments, const std::string &path)
     UseProgramFiles(arguments);
     const bool isNamed = !arguments.toolDirectory.empty() || Platform::OpenStream(kCapabilitiesFile, "rb");
     const std::string place = isNamed ? ToolDirectory(arguments) : path.substr(0, path.find_last_of("/\\") + 1);
+    const FilesWithValues files(arguments);
     const ErrorFileWatch watch(place + kErrorFile);
     try
     {

@@ -3,6 +3,8 @@
 #include "OptionText.h"
 #include "OptionValue.h"
 
+#include <charconv>
+
 namespace
 {
 
@@ -19,6 +21,38 @@ void AddValue(json &object, const char *name, const BiosOption &option, std::str
         object[name] = ValueJson(option, value);
 }
 
+template <typename Number>
+void AddNumber(json &object, const char *name, const std::optional<Number> &number)
+{
+    if (number)
+        object[name] = *number;
+}
+
+/// What the dump of a real machine says.
+void AddFurther(json &object, const BiosOption &option)
+{
+    AddNumber(object, "minimum", option.limits.minimum);
+    AddNumber(object, "maximum", option.limits.maximum);
+    AddNumber(object, "step", option.limits.step);
+    AddNumber(object, "minLength", option.limits.minLength);
+    AddNumber(object, "maxLength", option.limits.maxLength);
+    AddText(object, "sourceKind", option.sourceKind);
+    AddText(object, "state", option.state);
+    AddText(object, "unreadable", option.unreadable);
+    if (option.isReadOnly)
+        object["readOnly"] = true;
+}
+
+/// The number of a negative value; nothing for any other.
+std::optional<std::int64_t> NegativeNumber(const BiosOption &option, std::string_view value)
+{
+    std::int64_t number = 0;
+    const char *const end = value.data() + value.size();
+    const auto [stopped, error] = std::from_chars(value.data(), end, number);
+    const bool isNegative = option.isSigned && value.starts_with('-') && error == std::errc() && stopped == end;
+    return isNegative ? std::optional(number) : std::nullopt;
+}
+
 } // namespace
 
 json ValueJson(const BiosOption &option, std::string_view value)
@@ -29,6 +63,7 @@ json ValueJson(const BiosOption &option, std::string_view value)
     const std::optional<std::uint64_t> number = ValueNumber(option, value);
     if (number)
         object["number"] = *number;
+    AddNumber(object, "number", NegativeNumber(option, value));
     return object;
 }
 
@@ -42,8 +77,10 @@ json OptionJson(const BiosOption &option)
     if (option.size != 0)
         object["size"] = option.size;
     AddText(object, "condition", option.condition);
-    AddValue(object, "value", option, option.currentValue);
-    if (HasDefault(option))
+    AddFurther(object, option);
+    if (option.unreadable.empty())
+        AddValue(object, "value", option, option.currentValue);
+    if (option.hasDefault)
     {
         AddValue(object, "default", option, option.defaultValue);
         object["changed"] = option.isChanged;
@@ -86,7 +123,8 @@ json PlannedJson(const PlannedChange &change, const Verdict *verdict)
     json object = {{"name", option.name}};
     AddText(object, "prompt", option.prompt);
     AddText(object, "page", option.page);
-    AddValue(object, "old", option, option.currentValue);
+    if (option.unreadable.empty())
+        AddValue(object, "old", option, option.currentValue);
     AddValue(object, "new", option, change.newValue);
     object["toProgram"] = change.isToDo;
     if (change.place.line != 0)

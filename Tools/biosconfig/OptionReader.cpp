@@ -34,7 +34,9 @@ public:
         option.defaultValue = ValueOf(element, "default", option);
         if (element.contains("pending"))
             option.pendingValue = ValueOf(element, "pending", option);
+        option.hasDefault = element.contains("default") || (option.isRedacted && element.contains("changed"));
         option.isChanged = element.value("changed", false);
+        AddFurther(element, option);
         m_options.push_back(std::move(option));
     }
 
@@ -71,6 +73,29 @@ private:
     {
         const auto value = element.find(name);
         return value == element.end() || option.isRedacted ? std::string_view() : DumpValue(*value, option.kind);
+    }
+
+    template <typename Number>
+    static std::optional<Number> LimitOf(const json &element, const char *name)
+    {
+        const auto limit = element.find(name);
+        return limit == element.end() ? std::nullopt : std::optional(limit->get<Number>());
+    }
+
+    /// What the dump of a real machine has said.
+    void AddFurther(const json &element, BiosOption &option)
+    {
+        option.limits = {LimitOf<std::int64_t>(element, "minimum"), LimitOf<std::int64_t>(element, "maximum"),
+                         LimitOf<std::uint64_t>(element, "step"), LimitOf<std::uint64_t>(element, "minLength"),
+                         LimitOf<std::uint64_t>(element, "maxLength")};
+        option.sourceKind = TextOf(element, "sourceKind");
+        option.state = TextOf(element, "state");
+        option.unreadable = TextOf(element, "unreadable");
+        option.isReadOnly = element.value("readOnly", false);
+        option.isSigned = option.kind == OptionKind::Number &&
+                          (option.limits.minimum.value_or(0) < 0 || option.currentValue.starts_with('-'));
+        if (option.limits.step == std::uint64_t{0})
+            option.limits.step.reset();
     }
 
     void AddChoices(const json &element, BiosOption &option)

@@ -5,14 +5,10 @@
 #include <cstdint>
 #include <optional>
 
-bool HasDefault(const BiosOption &option)
-{
-    return option.kind == OptionKind::Text || !option.defaultValue.empty();
-}
-
 bool IsNoChoice(const BiosOption &option)
 {
-    return !option.isRedacted && !option.choices.empty() && !ChoiceOf(option, option.currentValue);
+    return !option.isRedacted && option.unreadable.empty() && !option.choices.empty() &&
+           !ChoiceOf(option, option.currentValue);
 }
 
 std::string DetailedValue(const BiosOption &option, std::string_view value)
@@ -41,8 +37,25 @@ std::string SizeText(const BiosOption &option)
            (option.size == 1 ? " byte" : " bytes");
 }
 
+std::string LimitsText(const BiosOption &option)
+{
+    const OptionLimits &limits = option.limits;
+    std::string text;
+    const auto add = [&text](const char *word, const auto &limit)
+    { text += limit ? word + std::to_string(*limit) : ""; };
+    add(", from ", limits.minimum);
+    add(limits.minimum ? " to " : ", at most ", limits.maximum);
+    add(", in steps of ", limits.step);
+    add(", at least ", limits.minLength);
+    add(limits.minLength ? " and at most " : ", at most ", limits.maxLength);
+    text += limits.minLength || limits.maxLength ? " characters" : "";
+    return text + (option.isReadOnly ? ", read-only" : "");
+}
+
 std::string ConditionText(const BiosOption &option, const OptionTable &table)
 {
+    if (!option.state.empty())
+        return std::string(option.condition) + (option.state == "hidden" ? ": hidden now" : ": locked now");
     if (option.condition == "TRUE")
         return "";
     const auto valueOf = [&](std::string_view name)
@@ -70,9 +83,12 @@ std::string OptionsAsCsv(const std::vector<const BiosOption *> &options)
     std::string text = "Name,Value,Prompt,Page,Default,Changed\n";
     for (const BiosOption *const option : options)
     {
-        const std::string cells[] = {
-            std::string(option->name), ValueText(*option, option->currentValue), std::string(option->prompt),
-            std::string(option->page), ValueText(*option, option->defaultValue), option->isChanged ? "yes" : "no"};
+        const std::string cells[] = {std::string(option->name),
+                                     CurrentText(*option),
+                                     std::string(option->prompt),
+                                     std::string(option->page),
+                                     ValueText(*option, option->defaultValue),
+                                     option->isChanged ? "yes" : "no"};
         for (const std::string &cell : cells)
             text.append(&cell == &cells[0] ? "" : ",").append(CsvCell(cell));
         text += "\n";

@@ -8,14 +8,15 @@
 
 /// What people are told of an option, in UTF-8. Nothing tells a value of a redacted option. May throw std::bad_alloc.
 
-/// Whether there is a default to be told of: an empty one counts for a text alone.
-bool HasDefault(const BiosOption &option);
-
 /// Whether the value is none of the choices that the option has.
 bool IsNoChoice(const BiosOption &option);
 
 /// A value with its number where that says something else: "Enabled (0x1)", "(empty)".
 std::string DetailedValue(const BiosOption &option, std::string_view value);
+
+/// What the dump of a real machine says of the values beyond the size, to stand behind it: ", from 0 to 30"; empty
+/// where it does not.
+std::string LimitsText(const BiosOption &option);
 
 /// What is to be said behind the current value: ", changed"; empty for nothing.
 std::string ValueRemark(const BiosOption &option);

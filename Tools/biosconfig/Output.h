@@ -40,6 +40,9 @@ public:
     /// Tells what happens, to those who want to know.
     void TellVerbose(const std::string &message) const;
 
+    /// Has the file that the data go to be for its owner alone, because its values are not for everybody.
+    void RestrictToOwner() { m_file.RestrictToOwner(); }
+
     /// Puts the data out, the first time. Throws Failure when that fails.
     void Finish();
 

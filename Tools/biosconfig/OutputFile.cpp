@@ -29,6 +29,12 @@ OutputFile::OutputFile(const std::string &path)
         m_removed.emplace(m_replaced->BesidePath(), m_replaced->Stream());
 }
 
+void OutputFile::RestrictToOwner()
+{
+    if (m_replaced && !Platform::RestrictToOwner(m_replaced->Stream()))
+        throw Failure(ExitCode::NotPermitted, "the values need rights, and others cannot be kept from " + m_path);
+}
+
 void OutputFile::Write(std::string_view data)
 {
     if (IsStandardOutput())

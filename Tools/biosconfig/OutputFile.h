@@ -21,6 +21,10 @@ public:
 
     bool IsStandardOutput() const { return m_path.empty(); }
 
+    /// From now on what is written to the file, if it is a plain one, is for its owner alone. Throws Failure where the
+    /// system does not let that be.
+    void RestrictToOwner();
+
     /// Writes `data` byte for byte and puts it in place. Throws Failure when that fails. To be called once.
     void Write(std::string_view data);
 

@@ -95,7 +95,8 @@ std::string ShownValue(const BiosOption &option, std::string_view value)
 /// The value that there is, and the one that waits.
 std::string OldText(const BiosOption &option)
 {
-    const std::string current = ShownValue(option, option.currentValue);
+    const std::string current =
+        option.unreadable.empty() ? ShownValue(option, option.currentValue) : CurrentText(option);
     const bool waits = option.pendingValue && !IsSameValue(option, *option.pendingValue, option.currentValue);
     return waits ? current + " (pending " + ShownValue(option, *option.pendingValue) + ")" : current;
 }

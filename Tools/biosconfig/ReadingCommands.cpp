@@ -53,7 +53,7 @@ void ListAsTable(const std::vector<const BiosOption *> &options, Output &output)
     TextTable table({{"NAME", 20}, {"VALUE", 10}, {"PROMPT", 16}, {"PAGE", 10}});
     for (const BiosOption *const option : options)
         table.AddRow({{std::string(option->name), Look::Name},
-                      {ValueText(*option, option->currentValue), LookOfValue(*option)},
+                      {CurrentText(*option), LookOfValue(*option)},
                       {std::string(option->prompt)},
                       {std::string(option->page), Look::Faint}});
     output.Add(table.Text(output.Reader()));
@@ -77,14 +77,17 @@ public:
         for (const std::string &line : Wrap(m_option.help, m_columns - 2))
             m_output.Add("  " + line + "\n");
         m_output.Add("\n");
-        AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option),
-                 LookOfValue(m_option));
-        if (HasDefault(m_option))
+        if (m_option.unreadable.empty())
+            AddField("Value", DetailedValue(m_option, m_option.currentValue) + ValueRemark(m_option),
+                     LookOfValue(m_option));
+        else
+            AddField("Value", "(unreadable: " + std::string(m_option.unreadable) + ")", Look::Bad);
+        if (m_option.hasDefault)
             AddField("Default", DetailedValue(m_option, m_option.defaultValue));
         if (m_option.pendingValue)
             AddField("Pending", DetailedValue(m_option, *m_option.pendingValue) + ", from the next restart on",
                      Look::Warning);
-        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText(m_option));
+        AddField("Kind", std::string(KindName(m_option.kind)) + SizeText(m_option) + LimitsText(m_option));
         AddField("Page", std::string(m_option.page));
         AddField("Condition", ConditionText(m_option, m_table));
         AddChoices();
@@ -277,15 +280,17 @@ bool AddTemplate(const std::vector<const BiosOption *> &options, TemplateKind ki
     values.reserve(options.size()); // views refer to them
     for (const BiosOption *const option : options)
     {
-        const std::optional<std::string> value =
-            option->isRedacted ? std::nullopt : WritableValue(*option, option->currentValue);
+        const bool isKnown = !option->isRedacted && option->unreadable.empty();
+        const std::optional<std::string> value = isKnown ? WritableValue(*option, option->currentValue) : std::nullopt;
         if (value)
             assignments.push_back({option->name, values.emplace_back(*value)});
         else if (option->isRedacted)
             ++redacted;
         else
             output.Tell(Severity::Warning, "not-writable",
-                        std::string(option->name) + " is left out: its value is none that a template can give it",
+                        std::string(option->name) + (option->unreadable.empty()
+                                                         ? " is left out: its value is none that a template can give it"
+                                                         : " is left out: its value could not be read"),
                         {{"option", option->name}});
     }
     if (redacted > 0)
@@ -334,7 +339,7 @@ ExitCode ListOptions(const Work &work)
 ExitCode GetValues(const Work &work)
 {
     return WithNamedOptions(work, [&](const BiosOption &option, const OptionTable & /*table*/)
-                            { work.output.Add(OneLine(ValueText(option, option.currentValue)) + "\n"); });
+                            { work.output.Add(OneLine(CurrentText(option)) + "\n"); });
 }
 
 ExitCode ShowOptions(const Work &work)

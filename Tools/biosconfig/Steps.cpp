@@ -104,8 +104,8 @@ std::string Steps::Run(const std::string &step, const std::string &argument, con
     std::uint32_t exitCode = 0;
     Platform::MonotonicMilliseconds(start);
     {
-        const Platform::StreamOwner result = Platform::CreateStream(resultPath);
-        const Platform::StreamOwner messages = Platform::CreateStream(messagesPath);
+        const Platform::StreamOwner result = Platform::CreateStream(resultPath, Platform::FileAccess::OwnerOnly);
+        const Platform::StreamOwner messages = Platform::CreateStream(messagesPath, Platform::FileAccess::OwnerOnly);
         if (!result || !messages)
             throw Failure(ExitCode::Unexpected, "cannot write temporary files to " + folder.Prefix());
         exitCode = RunWorker(m_arguments, m_commandLine, step + " " + argument, what, result.get(), messages.get());

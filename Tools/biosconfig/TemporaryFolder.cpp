@@ -77,7 +77,7 @@ std::string TemporaryFolder::PathOf(const std::string &name)
 std::string TemporaryFolder::Write(const std::string &name, std::string_view bytes)
 {
     std::string path = PathOf(name);
-    const Platform::StreamOwner stream = Platform::OpenStream(path, "wb");
+    const Platform::StreamOwner stream = Platform::CreateStream(path, Platform::FileAccess::OwnerOnly);
     if (!stream || std::fwrite(bytes.data(), 1, bytes.size(), stream.get()) != bytes.size() ||
         std::fflush(stream.get()) != 0)
         throw Failure(ExitCode::Unexpected, "cannot write the temporary file " + path);

@@ -62,4 +62,21 @@ TEST(RunCommand, HasTheExitCodeWhateverTheHostDoesWithItsChildren)
     setitimer(ITIMER_REAL, &never, nullptr);
 }
 
+TEST(Files, OfTheirOwnerAloneAreSoFromTheStart)
+{
+    const TestSupport::TemporaryDirectory directory;
+    TestSupport::WriteFile(directory.Path("open"), "for all");
+    std::filesystem::permissions(directory.Path("open"), std::filesystem::perms(0666));
+    const Platform::StreamOwner stream =
+        Platform::CreateStream(directory.Path("secret"), Platform::FileAccess::OwnerOnly);
+    ASSERT_TRUE(stream);
+    EXPECT_TRUE(Platform::IsRestrictedToOwner(stream.get()));
+    EXPECT_TRUE(Platform::CopyOwnership(directory.Path("open"), stream.get(), Platform::FileAccess::OwnerOnly));
+    EXPECT_TRUE(Platform::IsRestrictedToOwner(stream.get()));
+    EXPECT_TRUE(Platform::CopyOwnership(directory.Path("open"), stream.get()));
+    EXPECT_FALSE(Platform::IsRestrictedToOwner(stream.get()));
+    const Platform::FilesForOwnerOnly untilEnd;
+    EXPECT_TRUE(Platform::IsRestrictedToOwner(Platform::OpenStream(directory.Path("new"), "wb").get()));
+}
+
 } // namespace

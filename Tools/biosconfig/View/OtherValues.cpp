@@ -14,7 +14,7 @@ namespace
 /// The text of a value; nothing where there is no option.
 std::optional<std::string> ShownValue(const BiosOption *option)
 {
-    return option ? std::optional(ValueText(*option, option->currentValue)) : std::nullopt;
+    return option ? std::optional(CurrentText(*option)) : std::nullopt;
 }
 
 } // namespace

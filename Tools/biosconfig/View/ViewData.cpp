@@ -34,12 +34,12 @@ void AddValues(json &object, const ViewRow &row)
 {
     const BiosOption *const first = row.inColumns.front();
     if (first)
-        AddText(object, "value", ValueText(*first, first->currentValue));
+        AddText(object, "value", CurrentText(*first));
     else
         object["value"] = nullptr;
     for (const OtherValue &other : OtherValuesOf(row))
-        object["others"].push_back({other.option ? json(ValueText(*other.option, other.option->currentValue)) : json(),
-                                    other.columns, other.differs});
+        object["others"].push_back(
+            {other.option ? json(CurrentText(*other.option)) : json(), other.columns, other.differs});
 }
 
 /// How a template assigns the value, where the script could not tell.
@@ -49,10 +49,10 @@ void AddLine(json &object, const ViewRow &row)
     if (!first)
         return;
     const std::optional<std::string> line =
-        first->isRedacted ? std::nullopt : WritableValue(*first, first->currentValue);
+        first->isRedacted || !first->unreadable.empty() ? std::nullopt : WritableValue(*first, first->currentValue);
     if (!line)
         object["line"] = nullptr;
-    else if (*line != ValueText(*first, first->currentValue))
+    else if (*line != CurrentText(*first))
         object["line"] = *line;
 }
 

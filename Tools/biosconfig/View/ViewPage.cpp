@@ -275,9 +275,10 @@ private:
     void AppendDetails(const BiosOption &option)
     {
         Append("<details><summary>Details</summary><dl>");
-        if (HasDefault(option))
+        if (option.hasDefault)
             AppendElement("<dt>Default</dt><dd>", DetailedValue(option, option.defaultValue), "</dd>");
-        AppendElement("<dt>Kind</dt><dd>", std::string(KindName(option.kind)) + SizeText(option), "</dd>");
+        AppendElement("<dt>Kind</dt><dd>", std::string(KindName(option.kind)) + SizeText(option) + LimitsText(option),
+                      "</dd>");
         if (option.pendingValue)
             AppendElement("<dt>From the next restart on</dt><dd>", DetailedValue(option, *option.pendingValue),
                           "</dd>");
@@ -300,16 +301,18 @@ private:
                                                     : "";
         Append("<b");
         Append(look);
-        const std::string text = ValueText(option, option.currentValue);
+        const std::string text = CurrentText(option);
         AppendElement(">", text.empty() ? "(empty)" : text, "</b>");
         if (option.isRedacted)
         {
             Append(option.isChanged ? " <small>changed</small>" : "");
             return;
         }
+        if (!option.unreadable.empty())
+            AppendElement(" <small>", option.unreadable, "</small>");
         if (IsNoChoice(option))
             Append(" <small>no choice</small>");
-        if (option.isChanged && HasDefault(option))
+        if (option.isChanged && option.hasDefault)
         {
             const std::string byDefault = ValueText(option, option.defaultValue);
             AppendElement(" <small>default ", byDefault.empty() ? "(empty)" : byDefault, "</small>");

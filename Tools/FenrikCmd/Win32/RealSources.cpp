@@ -1,0 +1,4 @@
+#include "Sources.h"
+
+/// The system has no firmware attributes of a kernel.
+const std::span<const SourceMaker> kRealSources = {};
