@@ -70,5 +70,6 @@ def _differences(document, wanted):
     """The names of options whose value is known to be another one, or that only one of the two has."""
     values = dict((option["name"], option.get("value")) for option in document["options"])
     expected = dict((option["name"], option.get("value")) for option in wanted["options"])
-    return [name for name in expected if name not in values or values[name] != expected[name]] + [
-        name for name in values if name not in expected]
+    return [name for name in list(expected) + [name for name in values if name not in expected]
+            if name not in values or name not in expected
+            or (values[name] and expected[name] and values[name] != expected[name])]
