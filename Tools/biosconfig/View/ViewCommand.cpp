@@ -5,6 +5,7 @@
 #include "TemporaryFolder.h"
 #include "ViewPage.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace
@@ -14,6 +15,14 @@ namespace
 std::string NameOf(const std::string &file)
 {
     return Platform::FromFilesystemPath(Platform::ToFilesystemPath(file).stem());
+}
+
+/// A path as it is written on every system.
+std::string PathTitle(const std::string &file)
+{
+    std::string path = ShownPath(file);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
 }
 
 std::string TitleOfFirst(const Arguments &arguments)
@@ -29,11 +38,11 @@ std::string TitleOfFirst(const Arguments &arguments)
 std::vector<std::string> TitlesOf(const Arguments &arguments)
 {
     std::vector<std::string> titles = {TitleOfFirst(arguments)};
-    std::vector<std::string> paths = {arguments.dumpPath.empty() ? titles.front() : ShownPath(arguments.dumpPath)};
+    std::vector<std::string> paths = {arguments.dumpPath.empty() ? titles.front() : PathTitle(arguments.dumpPath)};
     for (const std::string &path : arguments.comparedPaths)
     {
         titles.push_back(NameOf(path));
-        paths.push_back(ShownPath(path));
+        paths.push_back(PathTitle(path));
     }
     std::unordered_map<std::string, std::size_t> uses;
     for (const std::string &title : titles)
