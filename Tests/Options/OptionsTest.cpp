@@ -329,9 +329,10 @@ TEST(Options, RedactedValuesAreGone)
 
 TEST(Options, PagesStandBelowTheOneAboveThem)
 {
-    const PageTree tree(Table(R"(<knob name="1" SetupPgPtr="B/x"/><knob name="2" SetupPgPtr="A"/><knob name="3"/>
+    const OptionTable table = Table(R"(<knob name="1" SetupPgPtr="B/x"/><knob name="2" SetupPgPtr="A"/><knob name="3"/>
         <knob name="4" SetupPgPtr="B" default="0x0" CurrentVal="0x1"/><knob name="5" SetupPgPtr="B/x/y"/>
-        <knob name="6" SetupPgPtr="/Z"/>)"));
+        <knob name="6" SetupPgPtr="/Z"/>)");
+    const PageTree tree(table);
     std::string found;
     for (const std::string_view path : tree.Paths())
         found += std::string(path) + ":" + std::to_string(tree.CountOf(path).options) + "/" +
