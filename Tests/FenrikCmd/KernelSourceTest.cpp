@@ -78,6 +78,7 @@ const std::vector<FakeFile> kGalda = {
     {"galda/attributes/BootMode/type", "enumeration\n"},    {"galda/attributes/BootMode/current_value", "9\n"},
     {"galda/attributes/BootMode/possible_values", "0;1\n"}, {"galda/attributes/Secret/type", "string\n"},
     {"galda/attributes/Secret/current_value", "x\n"},       {"galda/attributes/Strange/type", "something\n"},
+    {"galda/attributes/Level/current_value", "01\n"},       {"galda/attributes/Level/possible_values", "Low;High\n"},
 };
 
 /// The settings in a line each: name, kind, value, default, choices, limits, marks.
@@ -122,6 +123,7 @@ TEST(KernelSource, TreesOfFourDriversAreRead)
     EXPECT_EQ(source.Status(), "The BIOS interface is enabled; the settings come from the kernel's firmware attributes "
                                "(galda, hearth-cfg, quenlor, tarnmoor-wmi), writing is off.");
     EXPECT_EQ(Describe(source), "galda/BootMode|oneof|9|-|0=0 1=1 |- - - - -|\n"
+                                "Level|text|01|-||- - - - -|\n"
                                 "Secret|text|x|-||- - - - -|\n"
                                 "Strange|text||-||- - - - -|Too many levels of symbolic links\n"
                                 "Asset [1] Tag|text| T\xEF\xBF\xBD"

@@ -5,6 +5,7 @@
 #include "Utf8.h"
 
 #include <algorithm>
+#include <charconv>
 #include <stdexcept>
 #include <unordered_set>
 
@@ -131,9 +132,27 @@ std::string TypeOf(const RawSetting &raw, bool hasValues)
     return hasValues ? "enumeration" : raw.Find("min_value") ? "integer" : "string";
 }
 
-void ReadChoices(KernelSetting &made)
+/// Whether `text`, which is none of the choices, would be taken for the number of one: readers of a dump do without
+/// "0x".
+bool IsTakenForChoice(const std::vector<std::string> &values, const std::optional<std::string> &text)
 {
-    made.hasChoices = !made.values.empty() && AreDistinct(made.values);
+    if (!text || std::find(values.begin(), values.end(), *text) != values.end())
+        return false;
+    std::string_view digits = Trim(*text);
+    if (digits.starts_with("0x") || digits.starts_with("0X"))
+        digits.remove_prefix(2);
+    constexpr int kHexadecimal = 16;
+    std::uint64_t number = 0;
+    const char *const end = digits.data() + digits.size();
+    const auto [stopped, error] = std::from_chars(digits.data(), end, number, kHexadecimal);
+    return error == std::errc() && stopped == end && number < values.size();
+}
+
+void ReadChoices(const RawSetting &raw, KernelSetting &made)
+{
+    made.hasChoices = !made.values.empty() && AreDistinct(made.values) &&
+                      !IsTakenForChoice(made.values, made.rawValue) &&
+                      !IsTakenForChoice(made.values, TextOf(raw, "default_value"));
     if (!made.hasChoices)
     {
         made.setting.kind = SettingKind::Text;
@@ -234,7 +253,7 @@ void ReadKind(const RawSetting &raw, KernelSetting &made)
         ReadElements(made);
     }
     else if (made.setting.kind == SettingKind::OneOf)
-        ReadChoices(made);
+        ReadChoices(raw, made);
     else if (made.setting.kind == SettingKind::Numeric)
         ReadNumberLimits(raw, made.setting);
     else
